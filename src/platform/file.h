@@ -25,8 +25,8 @@ struct FileFacts {
   std::uint32_t owner = 0;
   std::uint32_t group = 0;
   std::uint64_t device = 0;
-  std::uint64_t serial = 0;       ///< number of the file on its device
-  std::int64_t modified_ns = 0;   ///< last change, nanoseconds since 1970
+  std::uint64_t serial = 0;      ///< number of the file on its device
+  std::int64_t modified_ns = 0;  ///< last change, nanoseconds since 1970
 };
 
 /// The calls that our files make, each shaped as the system's own: -1 or false is a failure, and the last system error

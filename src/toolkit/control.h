@@ -136,7 +136,8 @@ class TickList : public Control {
 /// A sheet of pages with captions that may change. Controls name their page themselves (pages_id, page).
 class Pages : public Control {
  public:
-  Pages(ControlId id, std::vector<std::string> captions) : Control(Kind::kPages, id, {}), captions(std::move(captions)) {}
+  Pages(ControlId id, std::vector<std::string> captions)
+      : Control(Kind::kPages, id, {}), captions(std::move(captions)) {}
   std::vector<std::string> captions;
   int current = 0;
 };

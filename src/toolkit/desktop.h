@@ -15,7 +15,7 @@ using Window = std::intptr_t;
 
 struct WindowInfo {
   Window window = 0;
-  std::string title;       ///< Windows-1252
+  std::string title;  ///< Windows-1252
   std::string class_name;
 };
 

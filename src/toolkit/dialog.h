@@ -14,15 +14,43 @@ namespace toolkit {
 
 /// What a person can do. `row` and `position` count from 0; -1 takes a selection back.
 struct Opened {};
-struct Typed { ControlId id; std::string text; };
-struct Pressed { ControlId id; };
-struct BoxTicked { ControlId id; bool on; };
-struct OptionChosen { ControlId id; int option; };
-struct DaySet { ControlId id; bool on; platform::CivilTime day; };
-struct EntrySelected { ControlId id; int position; };
-struct RowTicked { ControlId id; int row; bool on; };
-struct RowSelected { ControlId id; int row; };
-struct PageTurned { ControlId id; int page; };
+struct Typed {
+  ControlId id;
+  std::string text;
+};
+struct Pressed {
+  ControlId id;
+};
+struct BoxTicked {
+  ControlId id;
+  bool on;
+};
+struct OptionChosen {
+  ControlId id;
+  int option;
+};
+struct DaySet {
+  ControlId id;
+  bool on;
+  platform::CivilTime day;
+};
+struct EntrySelected {
+  ControlId id;
+  int position;
+};
+struct RowTicked {
+  ControlId id;
+  int row;
+  bool on;
+};
+struct RowSelected {
+  ControlId id;
+  int row;
+};
+struct PageTurned {
+  ControlId id;
+  int page;
+};
 struct Closed {};  ///< the window's own way out, the same as kCancel
 using Event = std::variant<Opened, Typed, Pressed, BoxTicked, OptionChosen, DaySet, EntrySelected, RowTicked,
                            RowSelected, PageTurned, Closed>;

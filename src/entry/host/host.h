@@ -42,8 +42,8 @@ struct HostPoint {
 // The host reads and writes these records by address: where pointers have its size, every offset is the host's.
 static_assert(offsetof(HostPoint, east) == 16 && offsetof(HostPoint, north) == 24 && offsetof(HostPoint, elev) == 32);
 static_assert(sizeof(HostPoint) == 160);
-static_assert(sizeof(void*) != 4 || (offsetof(HostTable, path) == 4 && offsetof(HostTable, data) == 76 &&
-                                     offsetof(HostTable, index) == 84));
+static_assert(sizeof(void*) != 4 ||
+              (offsetof(HostTable, path) == 4 && offsetof(HostTable, data) == 76 && offsetof(HostTable, index) == 84));
 static_assert(sizeof(void*) != 4 || (offsetof(HostState, points) == 32 && offsetof(HostState, dba) == 36 &&
                                      offsetof(HostState, dbv) == 40 && offsetof(HostState, dbh) == 5364));
 
