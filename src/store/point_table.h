@@ -1,0 +1,44 @@
+// The host's point table while the menu runs: points by number or identifier, and the walk over all of them.
+//
+// Every operation selects the table anew and walks its record numbers upwards; there is no other access path. None
+// reports a failure of its own; a text that does not fit its field is cut and reported by my_strcpy. A host without a
+// point table counts as one with an empty table.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "store/point_record.h"
+
+namespace pktaus {
+
+/// Looks up the columns. References stay valid until the next call; a column that the table lacks reads as blank.
+void columns_bind();
+
+/// Number of records, deleted ones included.
+std::int32_t point_count();
+
+/// Reads number and coordinates (metres) of the record `number`, from 1. 1 read; 0 the record cannot be read, outputs
+/// untouched. A point number that does not fit `size` bytes is cut and reported.
+int point_read_at(std::int32_t number, double* east, double* north, double* elev, char* point_number, std::size_t size);
+
+/// Reads the first point with this number: 0 it has attributes, 1 it has none (the empty record), -1 no such point and
+/// `record` untouched. `objid`, `bundesland` and `next` stay as they were.
+int point_read(const char* point_number, PointRecord* record);
+
+/// Cuts `auftrag` and `antragn` of the record to 39 characters, then stores it with the first point of this number; no
+/// such point, nothing is stored. Empty `gmlid` and `wepo` leave what the table holds.
+void point_write(const char* point_number, PointRecord* record);
+
+/// Takes the attributes from the first point with this number: NE_PO becomes 0, both order numbers become empty, all
+/// other columns keep their values.
+void point_remove(const char* point_number);
+
+/// Finds the first point whose GMLID, up to a byte of 0x80 or above and without blanks, equals `identifier`: 1 found,
+/// 0 not, outputs untouched.
+int point_find_by_gid(const char* identifier, char* point_number, double* east, double* north, std::size_t size);
+
+/// Takes the padding off a column's text, in place. A text that begins with a byte of 0x80 or above becomes empty.
+void field_trim(char* text);
+
+}  // namespace pktaus
