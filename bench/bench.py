@@ -1,0 +1,214 @@
+#!/usr/bin/env python3
+"""Runs pktaus-bench and its peers in turn and prints one table: bench.py BUILD_FOLDER [ROW...].
+
+Times are CPU times (user and system) of whole processes. A ratio is the median of the ratios of runs that followed each
+other; a peak is the largest resident size. Inputs and outputs lie in a folder in memory.
+"""
+import os
+import shutil
+import statistics
+import sys
+import tempfile
+
+from make_inputs import make
+
+
+class Run:
+    """One process: CPU seconds and peak in bytes."""
+
+    def __init__(self, command):
+        quiet = os.open(os.devnull, os.O_WRONLY)
+        actions = [(os.POSIX_SPAWN_DUP2, quiet, 1), (os.POSIX_SPAWN_DUP2, quiet, 2)]
+        _, status, usage = os.wait4(os.posix_spawnp(command[0], command, os.environ, file_actions=actions), 0)
+        os.close(quiet)
+        if status != 0:
+            raise RuntimeError("failed: " + " ".join(command))
+        self.seconds = usage.ru_utime + usage.ru_stime
+        self.peak = usage.ru_maxrss * 1024
+
+
+class Bench:
+    def __init__(self, build, out):
+        self.bin, self.inputs, self.out = os.path.abspath(build + "/bin"), build + "/inputs", out
+
+    def input(self, name):
+        path = self.path(name)
+        if not os.path.exists(path):
+            shutil.copyfile(make(self.inputs, name), path)
+        return path
+
+    def path(self, name):
+        return os.path.join(self.out, name)
+
+    def ours(self, *arguments):
+        return lambda: Run([os.path.join(self.bin, "pktaus-bench"), *arguments])
+
+    def peer(self, name, *arguments):
+        return lambda: Run([os.path.join(self.bin, "peer_" + name), *arguments])
+
+    def fresh_copy(self, name):
+        target = self.path("table.dbf")
+        shutil.copyfile(self.input(name), target)
+        return target
+
+
+def in_turn(first, second, rounds):
+    """Runs both `rounds` times, in turn, and gives their results as two lists."""
+    results = ([], [])
+    for n in range(rounds + 1):  # the first round warms caches
+        order = (0, 1) if n % 2 else (1, 0)
+        for which in order:
+            run = (first, second)[which]()
+            if n > 0:
+                results[which].append(run)
+    return results
+
+
+def seconds(runs):
+    return statistics.median(run.seconds for run in runs)
+
+
+def ratio(runs, others):
+    return statistics.median(run.seconds / other.seconds for run, other in zip(runs, others))
+
+
+def peak(runs):
+    return max(run.peak for run in runs)
+
+
+def row(what, figure, bar, note):
+    """One line of the table. A bar of None means that the figure is only reported."""
+    verdict = "" if bar is None else ("ok" if figure <= bar else "OVER")
+    text = "" if figure is None else f"{figure:.2f}"
+    print(f"{what:<52}{text:>8}{'' if bar is None else f'{bar:.1f}':>7} {verdict:<5} {note}", flush=True)
+
+
+def against(what, ours, peer, bar, rounds):
+    mine, others = in_turn(ours, peer, rounds)
+    row(what, ratio(mine, others), bar, f"{seconds(mine):.3f} s against {seconds(others):.3f} s")
+    return mine
+
+
+def growth(what, small, large, bar, rounds):
+    few, many = in_turn(small, large, rounds)
+    row(what, ratio(many, few), bar, f"{seconds(few):.3f} s and {seconds(many):.3f} s")
+    return many
+
+
+def xml(bench, name, bar, rounds):
+    out = bench.path("out.xml")
+    source = bench.input(name)
+    return against(f"xml {name}, CPU to pugixml", bench.ours("xml", source, out), bench.peer("pugixml", "xml", source, out),
+                   bar, rounds)
+
+
+def row_xml(bench):
+    runs = xml(bench, "100.xml", 1.0, 9)
+    size = os.path.getsize(bench.input("100.xml"))
+    row("xml 100.xml, peak to file", peak(runs) / size, 2.4, f"{peak(runs) / 1e6:.0f} MB for {size / 1e6:.0f} MB")
+    out = bench.path("out.xml")
+    growth("xml 10 to 100 MB", bench.ours("xml", bench.input("10.xml"), out),
+           bench.ours("xml", bench.input("100.xml"), out), 11, 7)
+
+
+def row_xml_lf(bench):
+    xml(bench, "100lf.xml", 1.2, 9)
+
+
+def row_xml_names(bench):
+    xml(bench, "names.xml", 11, 15)
+
+
+def row_xml_values(bench):
+    xml(bench, "values.xml", 1.8, 9)
+
+
+def copy(bench):
+    """cp of the extended table, to a name that is free."""
+    source, target = bench.path("after.dbf"), bench.path("copy.dbf")
+
+    def run():
+        if os.path.exists(target):
+            os.remove(target)
+        return Run(["cp", source, target])
+
+    return run
+
+
+def extend(bench, name):
+    return lambda: bench.ours("dbf", bench.fresh_copy(name))()
+
+
+def make_extended(bench):
+    """The extended table as schema_extend itself makes it."""
+    extend(bench, "plain.dbf")()
+    os.replace(bench.path("table.dbf"), bench.path("after.dbf"))
+
+
+def row_dbf_first(bench):
+    make_extended(bench)
+    runs = against("schema_extend, first run, CPU to cp", extend(bench, "plain.dbf"), copy(bench), 2.0, 9)
+    size = os.path.getsize(bench.input("plain.dbf"))
+    row("schema_extend, first run, peak to input", peak(runs) / size, 1.5, f"{peak(runs) / 1e6:.0f} MB")
+
+
+def row_dbf_later(bench):
+    make_extended(bench)
+    later = bench.path("later.dbf")
+    shutil.copyfile(bench.path("after.dbf"), later)
+    runs = against("schema_extend, later runs, CPU to cp", bench.ours("dbf", later), copy(bench), 3.2, 9)
+    size = os.path.getsize(later)
+    row("schema_extend, later runs, peak to input", peak(runs) / size, 1.5, f"{peak(runs) / 1e6:.0f} MB")
+
+
+def row_batch(bench):
+    template, out = bench.input("template.xml"), bench.path("out.xml")
+    mine = bench.ours("batch", template, "100000", out)
+    against("batch of 100,000 points, CPU to pugixml", mine, bench.peer("pugixml", "batch", template, "100000", out), 0.9, 9)
+    growth("batch, 10,000 to 100,000 points", bench.ours("batch", template, "10000", out), mine, 11, 7)
+
+
+def row_ini(bench):
+    source, out = bench.input("10.ini"), bench.path("out.ini")
+    mine = bench.ours("ini", source, out)
+    against("ini of 10 MB, CPU to GKeyFile", mine, bench.peer("glib", source, out), 1.0, 15)
+    growth("ini, 1 to 10 MB", bench.ours("ini", bench.input("1.ini"), out), mine, 11, 15)
+
+
+def row_lookup(bench):
+    runs = [bench.ours("lookup", bench.input("extended.dbf"), bench.input("names.txt"))() for _ in range(3)]
+    row("point_read of 1,000 numbers among 1,000,000", None, None, f"{seconds(runs):.3f} s")
+
+
+def row_walk(bench):
+    table = bench.input("extended.dbf")
+    against("walk over 1,000,000 records, CPU to a plain loop", bench.ours("walk", table), bench.peer("table", table), 3.0, 9)
+
+
+def row_exportdialog(bench):
+    growth("export dialog, 10,000 to 100,000 points", bench.ours("exportdialog", bench.input("10k.dbf")),
+           bench.ours("exportdialog", bench.input("100k.dbf")), None, 7)
+
+
+ROWS = {"xml": row_xml, "xml-lf": row_xml_lf, "xml-names": row_xml_names, "xml-values": row_xml_values,
+        "dbf-first": row_dbf_first, "dbf-later": row_dbf_later, "batch": row_batch, "ini": row_ini, "lookup": row_lookup,
+        "walk": row_walk, "exportdialog": row_exportdialog}
+
+
+def main():
+    wanted = sys.argv[2:] or list(ROWS)
+    unknown = [name for name in wanted if name not in ROWS]
+    if unknown:
+        sys.exit(f"No such row: {' '.join(unknown)}. There are: {' '.join(ROWS)}")
+    with tempfile.TemporaryDirectory(prefix="pktaus-bench-", dir="/dev/shm") as out:
+        bench = Bench(sys.argv[1], out)
+        print(f"{'':<52}{'figure':>8}{'bar':>7}")
+        for name in wanted:
+            try:
+                ROWS[name](bench)
+            except RuntimeError as failure:
+                print(f"{name}: {failure}")
+
+
+if __name__ == "__main__":
+    main()

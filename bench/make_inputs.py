@@ -1,0 +1,206 @@
+#!/usr/bin/env python3
+"""Makes the inputs that ./bench measures with: make_inputs.py FOLDER [NAME...]. What is there already stays."""
+import os
+import sys
+
+MEMBER = """<wfs:Insert>
+<AX_BesondererGebaeudepunkt gml:id="DE_{a:013d}">
+<lebenszeitintervall>
+<AA_Lebenszeitintervall>
+<beginnt>2026-03-02T09:05:03Z</beginnt>
+</AA_Lebenszeitintervall>
+</lebenszeitintervall>
+<modellart>
+<AA_Modellart>
+<advStandardModell>DLKM</advStandardModell>
+</AA_Modellart>
+</modellart>
+<anlass xlink:title="Sonstiges" xlink:href="https://registry.gdi-de.org/codelist/AA_Anlassart/9999"/>
+<punktkennung>32650565{n:07d}</punktkennung>
+<zustaendigeStelle>
+<AX_Dienststelle_Schluessel>
+<land>16</land>
+<stelle>0042</stelle>
+</AX_Dienststelle_Schluessel>
+</zustaendigeStelle>
+</AX_BesondererGebaeudepunkt>
+</wfs:Insert>
+<wfs:Insert>
+<AX_PunktortAG gml:id="DE_{b:013d}">
+<modellart>
+<AA_Modellart>
+<advStandardModell>DLKM</advStandardModell>
+</AA_Modellart>
+</modellart>
+<istTeilVon xlink:href="urn:adv:oid:DE_{a:013d}"/>
+<position>
+<gml:Point srsName="urn:adv:crs:ETRS89_UTM32" gml:id="P{n}">
+<gml:pos>65{c:04d}.{d:03d} 565{c:04d}.{e:03d}</gml:pos>
+</gml:Point>
+</position>
+<kartendarstellung>true</kartendarstellung>
+<koordinatenstatus>1000</koordinatenstatus>
+<hinweise>geprüft</hinweise>
+<qualitaetsangaben>
+<AX_DQPunktort>
+<herkunft>
+<gmd:LI_Lineage>
+<gmd:processStep>
+<gmd:LI_ProcessStep>
+<gmd:description>
+<AX_LI_ProcessStep_Punktort_Description>Erhebung</AX_LI_ProcessStep_Punktort_Description>
+</gmd:description>
+<gmd:source>
+<gmd:LI_Source>
+<gmd:description>
+<AX_Datenerhebung_Punktort>1000</AX_Datenerhebung_Punktort>
+</gmd:description>
+</gmd:LI_Source>
+</gmd:source>
+</gmd:LI_ProcessStep>
+</gmd:processStep>
+</gmd:LI_Lineage>
+</herkunft>
+<genauigkeitsstufe>2100</genauigkeitsstufe>
+</AX_DQPunktort>
+</qualitaetsangaben>
+</AX_PunktortAG>
+</wfs:Insert>
+"""
+ROOT = """<?xml version="1.0" encoding="UTF-8"?>
+<AX_Fortfuehrungsauftrag xmlns="http://www.adv-online.de/namespaces/adv/gid/7.1">
+<geaenderteObjekte>
+<wfs:Transaction version="2.0.0" service="WFS">
+"""
+END = """</wfs:Transaction>
+</geaenderteObjekte>
+<antragsnummer></antragsnummer>
+<auftragsnummer></auftragsnummer>
+</AX_Fortfuehrungsauftrag>"""
+
+
+def lines(text, line_end):
+    return text.replace("\n", line_end).encode()
+
+
+def indented(text):
+    """One tab a level, as most writers of such files have it."""
+    depth, out = 0, []
+    for line in text.splitlines():
+        depth -= line.startswith("</")
+        out.append("\t" * depth + line)
+        depth += not line.startswith("</") and "</" not in line and not line.endswith("/>")
+    return "\n".join(out) + "\n"
+
+
+MEMBER = indented(MEMBER)
+
+
+def member(n):
+    return MEMBER.format(a=2 * n + 1, b=2 * n + 2, n=n + 1, c=n % 10000, d=n % 1000, e=(n * 7) % 1000)
+
+
+def xml(file, count, line_end="\r\n"):
+    """An order document of `count` points."""
+    file.write(lines(ROOT, line_end))
+    for n in range(count):
+        file.write(lines(member(n), line_end))
+    file.write(lines(END, line_end))
+
+
+def xml_names(file):
+    """50,000 element names and 50,000 attribute names that differ in their digits."""
+    file.write(b"<liste>\r\n")
+    for n in range(50000):
+        file.write(b'<punkt%05d attribut%05d="%05d"></punkt%05d>\r\n' % (n, n, n, n))
+    file.write(b"</liste>")
+
+
+def xml_values(file):
+    """500 values of 190,000 bytes with umlauts."""
+    words = "Prüfprotokoll über die Übernahme der Größen: Fläche äußerst verläßlich, Höhe gemäß Örtlichkeit. ".encode()
+    value = (words * (190000 // len(words) + 1))[:190000].decode(errors="ignore").encode()
+    file.write(b"<auszug>\r\n")
+    for n in range(500):
+        file.write(b"<erlaeuterung nr=\"%d\">" % n + value + b"</erlaeuterung>\r\n")
+    file.write(b"</auszug>")
+
+
+def ini(file, size):
+    """A catalogue whose value lists have 30,000 codes each."""
+    file.write(b"[GLOBAL]\r\nHEADER = 16Vorlage.XML\r\n")
+    written, lists = 0, 0
+    while written < size:
+        lists += 1
+        written += file.write(b"\r\n[T_LISTE_%d]\r\n" % lists)
+        for code in range(min(30000, (size - written) // 31 + 1)):
+            written += file.write(b"'%05d' = Wert %d der Liste %d\r\n" % (code, code, lists))
+        written += file.write(b"[AX_Objekt_%d]\r\nvermarkung_Marke = LISTE_%d\r\n" % (lists, lists))
+
+
+COLUMNS = [("PT_NO", "C", 15, 0), ("EAST", "N", 14, 4), ("NORTH", "N", 14, 4), ("ELEV", "N", 10, 5), ("CODE", "C", 8, 0),
+           ("CLASS", "C", 1, 0), ("CONNECT", "C", 15, 0), ("STATUS", "C", 1, 0), ("REM", "C", 10, 0), ("DRAW", "C", 1, 0),
+           ("QUALITY", "C", 1, 0)]
+NE_COLUMNS = [("NE_OA", "N", 2), ("NE_ANTRAGN", "C", 40), ("NE_AUFTRAG", "C", 40), ("NE_PKN", "C", 20), ("NE_PO", "N", 2),
+              ("NE_ABM", "N", 8), ("NE_BZA", "N", 8), ("NE_ART", "N", 8), ("NE_ZST", "N", 8), ("NE_KST", "N", 8),
+              ("NE_DAT", "N", 8), ("NE_HER", "N", 8), ("NE_GST", "N", 8), ("NE_VTW", "N", 8), ("NE_LZV", "N", 8),
+              ("NE_HIN", "N", 8), ("NE_OBGID", "C", 20), ("NE_AKTION", "N", 8), ("NE_WEPO", "C", 80)]
+
+
+def dbf(file, records, extended=False):
+    """A point table of 91 bytes a record, or with the attribute columns, all blank, of 391."""
+    columns = COLUMNS + ([column + (0,) for column in NE_COLUMNS] if extended else [])
+    size = 1 + sum(column[2] for column in columns)
+    file.write(bytes((3, 126, 3, 2)) + records.to_bytes(4, "little") + (33 + 32 * len(columns)).to_bytes(2, "little")
+               + size.to_bytes(2, "little") + bytes(20))
+    for name, kind, width, decimals in columns:
+        file.write(name.encode().ljust(11, b"\0") + kind.encode() + bytes(4) + bytes((width, decimals)) + bytes(14))
+    file.write(b"\r")
+    blanks = b" " * (size - 91)
+    for n in range(records):
+        file.write(b" %-15d%14.4f%14.4f%10.5f%-8s%29s" % (
+            100001 + n, 650000 + n % 9973 * 1.3571, 5651000 + n // 9973 * 2.7183, 180 + n % 977 * 0.0321, b"GP", b"") + blanks)
+    file.write(b"\x1a")
+
+
+def names(file, records):
+    """1,000 point numbers spread over a table of `records`."""
+    for n in range(1000):
+        file.write(b"%d\n" % (100001 + (n * 7919 * 131) % records))
+
+
+def template(file):
+    file.write(lines(ROOT + END, "\r\n"))
+
+
+INPUTS = {
+    "100.xml": lambda file: xml(file, 48900),
+    "10.xml": lambda file: xml(file, 4890),
+    "100lf.xml": lambda file: xml(file, 50400, "\n"),
+    "names.xml": xml_names,
+    "values.xml": xml_values,
+    "template.xml": template,
+    "1.ini": lambda file: ini(file, 1000000),
+    "10.ini": lambda file: ini(file, 10000000),
+    "plain.dbf": lambda file: dbf(file, 1000000),
+    "extended.dbf": lambda file: dbf(file, 1000000, True),
+    "10k.dbf": lambda file: dbf(file, 10000, True),
+    "100k.dbf": lambda file: dbf(file, 100000, True),
+    "names.txt": lambda file: names(file, 1000000),
+}
+
+
+def make(folder, name):
+    """Gives the path of an input, made if it is not there yet or older than this program."""
+    os.makedirs(folder, exist_ok=True)
+    path = os.path.join(folder, name)
+    if not os.path.exists(path) or os.path.getmtime(path) < os.path.getmtime(__file__):
+        with open(path + ".part", "wb") as file:
+            INPUTS[name](file)
+        os.rename(path + ".part", path)
+    return path
+
+
+if __name__ == "__main__":
+    for wanted in sys.argv[2:] or INPUTS:
+        print(make(sys.argv[1], wanted))
