@@ -22,15 +22,19 @@ class Clock {
   /// Seconds since 1970-01-01T00:00:00 UTC.
   virtual std::int64_t Now() const = 0;
   virtual CivilTime ToLocal(std::int64_t seconds) const = 0;
-  /// The moment of a local time; false, with `seconds` untouched, where the calendar has no such day or time.
+  /// The moment of a local time of the years 1 to 9999; false, with `seconds` untouched, where the calendar has no such
+  /// day or time. An hour that comes twice counts as the first; one that the clocks skip is counted on from before the
+  /// jump, so that every day has a midnight.
   virtual bool FromLocal(const CivilTime& local, std::int64_t* seconds) const = 0;
 };
 
 /// The machine's own clock and time zone.
 const Clock& SystemClock();
 
-/// A clock that stands still at a local time, in the time zone of that name ("Europe/Berlin"; the machine's where
-/// empty). Null where the text is no "YYYY-MM-DDThh:mm:ss" or the zone is unknown. The caller deletes it.
+/// A clock that stands still at a local time, in the time zone of that name ("Europe/Berlin") or rule
+/// ("CET-1CEST,M3.5.0,M10.5.0/3"), or in the machine's where `zone` is null or empty. Null where the text is no
+/// "YYYY-MM-DDThh:mm:ss" or the zone is unknown. The caller deletes it. Every question to it puts the zone in force for
+/// the process for a moment, so only one thread may ask.
 Clock* NewStandingClock(const char* local_time, const char* zone);
 
 /// The clock in force: the machine's at the start.

@@ -10,10 +10,11 @@
 namespace platform {
 
 enum class OpenMode {
-  kRead,       ///< existing file, read only
-  kReadWrite,  ///< existing file, read and write in place
-  kCreateNew,  ///< new file, read and write; fails where the name exists, a link included
-  kLockFile,   ///< read and write, made where it does not exist; never cut
+  kRead,           ///< existing file, read only
+  kReadWrite,      ///< existing file, read and write in place
+  kCreateNew,      ///< new file, read and write; fails where the name exists, a link included
+  kCreatePrivate,  ///< the same, for the eyes of its owner alone
+  kLockFile,       ///< read and write, made where it does not exist; never cut
 };
 
 /// Facts about what stands at a path. `kind_file` is false for folders, devices and pipes.
@@ -34,6 +35,7 @@ struct FileFacts {
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
+  /// kRead refuses a folder. None of the modes waits at a pipe.
   virtual int Open(const std::string& path, OpenMode mode) = 0;
   virtual bool Close(int file) = 0;
   virtual std::int64_t Read(int file, void* data, std::size_t size) = 0;
@@ -47,12 +49,13 @@ class FileSystem {
   virtual bool SetMode(int file, std::uint32_t mode) = 0;
   virtual bool SetOwner(int file, std::uint32_t owner, std::uint32_t group) = 0;
   virtual bool PathFacts(const std::string& path, FileFacts* facts) = 0;  ///< follows links
-  virtual bool RealPath(const std::string& path, std::string* real) = 0;  ///< follows links
+  /// Absolute path without links; of a file that does not exist, the path at which it would be made.
+  virtual bool RealPath(const std::string& path, std::string* real) = 0;
   virtual bool Rename(const std::string& from, const std::string& to) = 0;
   virtual bool Remove(const std::string& path) = 0;
   virtual bool SyncFolder(const std::string& path) = 0;
+  /// Bytes that this process may still use on the device of an existing file or folder.
   virtual bool FreeSpace(const std::string& path, std::uint64_t* bytes) = 0;
-  virtual bool MayWriteFolder(const std::string& path) = 0;
   /// Names of all entries of a folder but "." and "..", as they stand on disk, sorted by their bytes.
   virtual bool List(const std::string& path, std::vector<std::string>* names) = 0;
   /// Takes the file's exclusive lock without waiting; the lock ends with the file's close or with the process.
