@@ -72,7 +72,7 @@ struct Utf8Literal {
 
 template <Utf8Literal Source>
 struct AnsiLiteral {
-  static consteval auto Make() {
+  static constexpr auto Make() {
     std::array<char, sizeof(Source.bytes)> out{};
     std::string_view rest(Source.bytes, sizeof(Source.bytes) - 1);
     std::size_t n = 0;
