@@ -1,0 +1,262 @@
+#include "store/point_table.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <span>
+#include <string_view>
+
+#include "base/bounded.h"
+#include "entry/host/host.h"
+#include "store/stored_day.h"
+
+namespace pktaus {
+namespace {
+
+/// A column of the table and the field of the record behind it: a number, a text or neither.
+struct Column {
+  const char* name;
+  std::int32_t PointRecord::*number = nullptr;
+  std::span<char> (*text)(PointRecord&) = nullptr;
+};
+
+template <auto Field>
+constexpr Column Text(const char* name) {
+  return {name, nullptr, [](PointRecord& record) { return std::span<char>(record.*Field); }};
+}
+
+/// All columns in the order in which they are looked up.
+constexpr Column kColumns[] = {
+    {"NE_OA", &PointRecord::oa},
+    Text<&PointRecord::antragn>("NE_ANTRAGN"),
+    Text<&PointRecord::auftrag>("NE_AUFTRAG"),
+    Text<&PointRecord::pkn>("NE_PKN"),
+    {"NE_PO", &PointRecord::po},
+    {"NE_ABM", &PointRecord::abm},
+    {"NE_BZA", &PointRecord::bza},
+    {"NE_ART", &PointRecord::art},
+    {"NE_ZST", &PointRecord::zst},
+    {"NE_KST", &PointRecord::kst},
+    {"NE_DAT", &PointRecord::dat},
+    {"NE_HER", &PointRecord::her},
+    {"NE_GST", &PointRecord::gst},
+    {"NE_VTW", &PointRecord::vtw},
+    {"NE_LZV", &PointRecord::lzv},
+    {"NE_HIN", &PointRecord::hin},
+    Text<&PointRecord::obgid>("NE_OBGID"),
+    {"NE_AKTION", &PointRecord::aktion},
+    Text<&PointRecord::wepo>("NE_WEPO"),
+    {"PKN_ABM_BZA"},
+    {"NASTABLE"},
+    Text<&PointRecord::gmlid>("GMLID"),
+};
+
+/// Position of a column in kColumns.
+consteval std::size_t Id(std::string_view name) {
+  std::size_t i = 0;
+  while (kColumns[i].name != name) ++i;
+  return i;
+}
+
+constexpr std::size_t kAntragn = Id("NE_ANTRAGN");
+constexpr std::size_t kAuftrag = Id("NE_AUFTRAG");
+constexpr std::size_t kPo = Id("NE_PO");
+constexpr std::size_t kDat = Id("NE_DAT");
+constexpr std::size_t kWepo = Id("NE_WEPO");
+constexpr std::size_t kGmlid = Id("GMLID");
+
+/// Columns read behind NE_PO for a point with attributes; NE_WEPO follows on its own.
+constexpr std::size_t kReadOrder[] = {
+    Id("NE_OA"),  Id("NE_ANTRAGN"), Id("NE_AUFTRAG"), Id("NE_PKN"), Id("NE_AKTION"), Id("NE_ABM"),
+    Id("NE_BZA"), Id("NE_ART"),     Id("NE_ZST"),     Id("NE_KST"), Id("NE_DAT"),    Id("NE_HER"),
+    Id("NE_GST"), Id("NE_VTW"),     Id("NE_LZV"),     Id("NE_HIN"), Id("NE_OBGID"),  Id("GMLID"),
+};
+/// Columns written for every point; GMLID and NE_WEPO follow where the record has a value.
+constexpr std::size_t kWriteOrder[] = {
+    Id("NE_OA"),  Id("NE_PKN"), Id("NE_ANTRAGN"), Id("NE_AUFTRAG"), Id("NE_PO"),  Id("NE_AKTION"),
+    Id("NE_ABM"), Id("NE_BZA"), Id("NE_ART"),     Id("NE_ZST"),     Id("NE_KST"), Id("NE_DAT"),
+    Id("NE_HER"), Id("NE_GST"), Id("NE_VTW"),     Id("NE_LZV"),     Id("NE_HIN"), Id("NE_OBGID"),
+};
+
+void* references[std::size(kColumns)] = {};
+
+HostTable* PointTable() { return V2_VAR != nullptr ? V2_VAR->points : nullptr; }
+
+/// False where the host has no point table.
+bool SelectTable() {
+  HostTable* table = PointTable();
+  if (table == nullptr) return false;
+  vm_dbk_nxk_select(table);
+  d4select(table->data);
+  db_i_select(table->index);
+  return true;
+}
+
+/// Visits the readable records of the selected table until `visit` gives true, and gives the number of that record, 0
+/// for none. `point` is the visited one.
+template <typename Visit>
+std::int32_t Walk(HostPoint* point, Visit visit) {
+  const std::int32_t count = d4reccount();
+  std::int32_t error = 0;
+  for (std::int32_t i = 1; i <= count; ++i) {
+    vm_koor_clear(point);
+    vm_dbk_read(PointTable(), point, i, &error);
+    if (error == 0 && visit(i)) return i;
+  }
+  return 0;
+}
+
+/// Selects the table and makes the first record with this point number the current one; 0 where there is none.
+std::int32_t GoToPoint(const char* point_number, HostPoint* point) {
+  if (!SelectTable()) return 0;
+  const std::int32_t found = Walk(point, [&](std::int32_t) { return std::strcmp(point->pt_no, point_number) == 0; });
+  if (found != 0) d4go(found);
+  return found;
+}
+
+/// Toward zero; what no int32 holds becomes the nearest one, no number at all 0.
+std::int32_t ToInt32(double value) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  if (std::isnan(value)) return 0;
+  return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
+}
+
+std::int32_t ReadNumber(std::size_t id) {
+  const std::int32_t value = ToInt32(f4double(references[id]));
+  return id == kDat ? SecondsOfStoredDay(value) : value;
+}
+
+void ReadColumn(std::size_t id, PointRecord* record) {
+  const Column& column = kColumns[id];
+  if (column.number != nullptr) {
+    record->*column.number = ReadNumber(id);
+    return;
+  }
+  const std::span<char> text = column.text(*record);
+  my_strcpy(text.data(), f4str(references[id]), text.size());
+  field_trim(text.data());
+}
+
+/// The column is as wide as its field, so its padding goes first: it would be reported as an overflow.
+void ReadWepo(PointRecord* record) {
+  char text[sizeof record->wepo + 1];
+  put(text, f4str(references[kWepo]));
+  for (std::size_t i = sizeof record->wepo - 1; i > 0 && text[i] == ' '; --i) text[i] = '\0';
+  put(record->wepo, text);
+  field_trim(record->wepo);
+}
+
+void WriteColumn(std::size_t id, PointRecord* record) {
+  const Column& column = kColumns[id];
+  if (column.text != nullptr) {
+    f4r_str(references[id], column.text(*record).data());
+    return;
+  }
+  const std::int32_t value = record->*column.number;
+  f4r_double(references[id], id == kDat ? StoredDay(value) : value);
+}
+
+void CutOrderNumber(char (&text)[48]) { std::fill(std::begin(text) + kOrderNumberLength, std::end(text), '\0'); }
+
+}  // namespace
+
+void columns_bind() {
+  const bool there = SelectTable();
+  for (std::size_t i = 0; i < std::size(kColumns); ++i) references[i] = there ? f4ref(kColumns[i].name) : nullptr;
+}
+
+std::int32_t point_count() {
+  HostTable* table = PointTable();
+  if (table == nullptr) return 0;
+  vm_dbk_nxk_select(table);
+  return d4reccount();
+}
+
+int point_read_at(std::int32_t number, double* east, double* north, double* elev, char* point_number,
+                  std::size_t size) {
+  HostTable* table = PointTable();
+  if (table == nullptr) return 0;
+  HostPoint point{};
+  std::int32_t error = 0;
+  vm_dbk_nxk_select(table);
+  vm_koor_clear(&point);
+  vm_dbk_read(table, &point, number, &error);
+  if (error != 0) return 0;
+  *east = point.east;
+  *north = point.north;
+  *elev = point.elev;
+  my_strcpy(point_number, point.pt_no, size);
+  return 1;
+}
+
+int point_read(const char* point_number, PointRecord* record) {
+  HostPoint point{};
+  if (GoToPoint(point_number, &point) == 0) return -1;
+  record->po = ReadNumber(kPo);
+  const bool empty = record->po == kPoNone;
+  if (empty) {
+    SetEmptyRecord(record);
+  } else {
+    for (const std::size_t id : kReadOrder) ReadColumn(id, record);
+    ReadWepo(record);
+  }
+  record->east = point.east;
+  record->north = point.north;
+  return empty ? 1 : 0;
+}
+
+void point_write(const char* point_number, PointRecord* record) {
+  CutOrderNumber(record->auftrag);
+  CutOrderNumber(record->antragn);
+  HostPoint point{};
+  const std::int32_t found = GoToPoint(point_number, &point);
+  if (found == 0) return;
+  for (const std::size_t id : kWriteOrder) WriteColumn(id, record);
+  if (record->gmlid[0] != '\0') WriteColumn(kGmlid, record);
+  if (record->wepo[0] != '\0') WriteColumn(kWepo, record);
+  db_write(found);
+}
+
+void point_remove(const char* point_number) {
+  HostPoint point{};
+  const std::int32_t found = GoToPoint(point_number, &point);
+  if (found == 0) return;
+  f4r_double(references[kPo], 0.0);
+  f4r_str(references[kAntragn], "");
+  f4r_str(references[kAuftrag], "");
+  db_write(found);
+}
+
+int point_find_by_gid(const char* identifier, char* point_number, double* east, double* north, std::size_t size) {
+  if (!SelectTable()) return 0;
+  HostPoint point{};
+  const std::int32_t found = Walk(&point, [&](std::int32_t number) {
+    d4go(number);
+    const char* text = f4str(references[kGmlid]);
+    if (*text == '\0') return false;
+    char gid[84];
+    std::size_t length = 0;
+    for (; *text != '\0' && static_cast<unsigned char>(*text) < 0x80 && length + 1 < sizeof gid; ++text) {
+      if (*text != ' ') gid[length++] = *text;
+    }
+    gid[length] = '\0';
+    return std::strcmp(gid, identifier) == 0;
+  });
+  if (found == 0) return 0;
+  my_strcpy(point_number, point.pt_no, size);
+  *east = point.east;
+  *north = point.north;
+  return 1;
+}
+
+void field_trim(char* text) {
+  if (static_cast<unsigned char>(text[0]) >= 0x80) {
+    text[0] = '\0';
+  } else {
+    strcdel(text, ' ', 1);
+  }
+}
+
+}  // namespace pktaus
