@@ -1,0 +1,85 @@
+// A desktop that a test plays: it answers boxes and pickers as told and hands dialogs to the test.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "entry/host/host.h"
+#include "toolkit/desktop.h"
+
+namespace support {
+
+/// The desktop in force while it lives.
+class ScriptedDesktop : public toolkit::Desktop {
+ public:
+  struct Box {
+    std::string text;
+    std::string title;
+    unsigned flags = 0;
+    bool operator==(const Box&) const = default;
+  };
+
+  ScriptedDesktop() : before_(std::exchange(korvo_desktop, this)) {}
+  ~ScriptedDesktop() override { korvo_desktop = before_; }
+
+  /// What was shown, in order.
+  std::vector<Box> boxes;
+  std::vector<toolkit::FilePick> picks;
+  std::vector<int> dialogs;
+
+  /// What comes next: answers of boxes (kAnswerOk when there is none left), paths of pickers (no path, or none left:
+  /// cancelled), and what a person does in a dialog (none left: it is closed).
+  std::deque<int> answers;
+  std::deque<std::optional<std::string>> paths;
+  std::deque<std::function<void(toolkit::Dialog&)>> persons;
+
+  /// Windows of the desktop, and what FindWindow gives for a class and a title.
+  std::vector<toolkit::WindowInfo> windows;
+
+  void Run(toolkit::Dialog& dialog, toolkit::Window) override {
+    dialogs.push_back(dialog.number());
+    if (!persons.empty()) Next (&persons)(dialog);
+    if (dialog.IsOpen()) dialog.Handle(toolkit::Closed{});
+  }
+  int ShowBox(const std::string& text, const std::string& title, unsigned flags, toolkit::Window) override {
+    boxes.push_back({text, title, flags});
+    return answers.empty() ? toolkit::kAnswerOk : Next(&answers);
+  }
+  bool PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) override {
+    picks.push_back(pick);
+    if (!NextPath(path)) return false;
+    *filter = 0;
+    return true;
+  }
+  bool PickFolder(const std::string&, toolkit::Window, std::string* path) override { return NextPath(path); }
+  std::vector<toolkit::WindowInfo> TopLevelWindows() override { return windows; }
+  toolkit::Window FindWindow(const std::string& class_name, const std::string& title) override {
+    for (const toolkit::WindowInfo& info : windows) {
+      if (info.class_name == class_name && info.title == title) return info.window;
+    }
+    return 0;
+  }
+  toolkit::Window ForegroundWindow() override { return 0; }
+  const platform::Clock& Clock() override { return platform::CurrentClock(); }
+
+ private:
+  template <typename T>
+  static T Next(std::deque<T>* queue) {
+    T next = std::move(queue->front());
+    queue->pop_front();
+    return next;
+  }
+  bool NextPath(std::string* path) {
+    const std::optional<std::string> next = paths.empty() ? std::nullopt : Next(&paths);
+    if (next) *path = *next;
+    return next.has_value();
+  }
+
+  toolkit::Desktop* before_;
+};
+
+}  // namespace support
