@@ -19,7 +19,8 @@ class MachineFault : public std::exception {
 
 /// Runs `work` on this thread and gives 0, or the number of the machine fault that ended it. After a fault nothing that
 /// stood on the stack inside `work` was destroyed. C++ exceptions pass through unchanged. Calls nest: the innermost
-/// takes the fault. Signal handlers and the alternate stack are as before when it returns or throws.
+/// takes the fault. Signal handlers, the alternate stack and, after a fault, the last system error are as before when
+/// it returns or throws. A fault on a thread without a barrier goes to the handler that stood before.
 int RunUnderFaultBarrier(const std::function<void()>& work);
 
 /// The same, and a fault goes on as a MachineFault.

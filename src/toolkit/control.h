@@ -50,8 +50,8 @@ class Control {
 class TextField : public Control {
  public:
   enum class Form { kEdit, kReadOnly, kReadOnlyLines };
-  TextField(ControlId id, std::string label, Form form = Form::kEdit)
-      : Control(Kind::kText, id, std::move(label)), form(form) {}
+  TextField(ControlId id, std::string label, Form how = Form::kEdit)
+      : Control(Kind::kText, id, std::move(label)), form(how) {}
   Form form;
   std::string text;
 };
@@ -70,8 +70,8 @@ class TickBox : public Control {
 /// Buttons of which one at most is chosen; -1 none.
 class RadioGroup : public Control {
  public:
-  RadioGroup(ControlId id, std::string label, std::vector<std::string> options)
-      : Control(Kind::kRadioGroup, id, std::move(label)), options(std::move(options)) {}
+  RadioGroup(ControlId id, std::string label, std::vector<std::string> all)
+      : Control(Kind::kRadioGroup, id, std::move(label)), options(std::move(all)) {}
   std::vector<std::string> options;
   int chosen = -1;
 };
@@ -79,8 +79,8 @@ class RadioGroup : public Control {
 /// A day; with `can_be_off` it has a box that says whether it counts.
 class DateField : public Control {
  public:
-  DateField(ControlId id, std::string label, bool can_be_off)
-      : Control(Kind::kDate, id, std::move(label)), can_be_off(can_be_off) {}
+  DateField(ControlId id, std::string label, bool may_be_off)
+      : Control(Kind::kDate, id, std::move(label)), can_be_off(may_be_off) {}
   bool can_be_off;
   bool on = true;
   platform::CivilTime day;  ///< year, month and day count
@@ -98,7 +98,7 @@ class ChoiceList : public Control {
       : Control(Kind::kChoice, id, std::move(label)), sorted_(sorted) {}
 
   /// Adds an entry, in a sorted list behind all that a German reader expects in front of it or beside it. The selected
-  /// entry stays the selected one. Gives the new entry's position.
+  /// entry stays the selected one. Gives the new entry's position. For many entries at once see Fill.
   std::size_t Add(Entry entry);
   /// Replaces all entries in one go; nothing is selected then.
   void Fill(std::vector<Entry> entries);
@@ -136,8 +136,7 @@ class TickList : public Control {
 /// A sheet of pages with captions that may change. Controls name their page themselves (pages_id, page).
 class Pages : public Control {
  public:
-  Pages(ControlId id, std::vector<std::string> captions)
-      : Control(Kind::kPages, id, {}), captions(std::move(captions)) {}
+  Pages(ControlId id, std::vector<std::string> all) : Control(Kind::kPages, id, {}), captions(std::move(all)) {}
   std::vector<std::string> captions;
   int current = 0;
 };

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -55,8 +56,8 @@ struct Closed {};  ///< the window's own way out, the same as kCancel
 using Event = std::variant<Opened, Typed, Pressed, BoxTicked, OptionChosen, DaySet, EntrySelected, RowTicked,
                            RowSelected, PageTurned, Closed>;
 
-/// Why an event was not taken.
-enum class Answer { kTaken, kNoSuchControl, kHidden, kDisabled, kReadOnly, kWrongKind, kNoSuchEntry, kNotOpen };
+/// Why an event was not taken. kBusy: a rule of the dialog still runs, as a rule behind a box or dialog of its own.
+enum class Answer { kTaken, kNoSuchControl, kHidden, kDisabled, kReadOnly, kWrongKind, kNoSuchEntry, kNotOpen, kBusy };
 
 /// Base of all dialogs. Handle is the one way in for console, desktop and tests.
 class Dialog {
@@ -72,9 +73,12 @@ class Dialog {
   const std::vector<Control*>& controls() const { return controls_; }
   /// Null where there is no such control.
   Control* Find(ControlId id) const;
+  /// Whether the person sees the control: it is visible, and so is the page that it stands on.
+  bool Shows(const Control& control) const;
 
-  /// Refuses an event for a control that is missing, hidden, disabled or read-only, or for an entry that is not there;
-  /// otherwise changes the control and runs the dialog's rule. A hidden or disabled control keeps what it holds.
+  /// Refuses an event for a control that is missing, not shown, disabled or read-only, or for an entry or a day that is
+  /// not there; otherwise changes the control and runs the dialog's rule. A control that refuses keeps what it holds. A
+  /// field of one line takes what was typed up to the first line break.
   /// Never lets an exception or a machine fault through: it ends the dialog and keeps the failure for Rethrow, so that
   /// nothing is thrown through a front end's event loop.
   virtual Answer Handle(const Event& event);
@@ -82,7 +86,7 @@ class Dialog {
   bool IsOpen() const { return state_ == State::kOpen; }
   /// Result of the dialog once it is closed: kOk, kCancel or what a rule gave to End.
   int result() const { return result_; }
-  /// Raises what a rule threw, if one did.
+  /// Raises what a rule threw, if one did, with the last system error as it was then. A second call raises nothing.
   void Rethrow();
 
  protected:
@@ -91,8 +95,8 @@ class Dialog {
   /// Ends the dialog; the front end closes it when the running event is done.
   void End(int result);
 
-  /// The rules, called with the control already changed. `id` is 0 for Opened. kCancel and Closed come as Pressed of
-  /// kCancel; the rule decides whether the dialog ends.
+  /// The rules, called with the control already changed. Closed comes as a press of kCancel, whether or not there is
+  /// such a button; the rule decides whether the dialog ends.
   virtual void OnOpened() {}
   virtual void OnPressed(ControlId id) = 0;
   virtual void OnChanged(ControlId /*id*/) {}  ///< text, tick, option, day, entry, row tick, page
@@ -100,15 +104,17 @@ class Dialog {
 
  private:
   enum class State { kNew, kOpen, kEnded };
-  Answer Apply(const Event& event, ControlId* changed);
-  void Run(const Event& event, ControlId id);
+  Answer Apply(const Event& event);
+  void Run(const Event& event);
 
   int number_;
   std::string title_;
   std::vector<Control*> controls_;
   State state_ = State::kNew;
   int result_ = kCancel;
+  bool busy_ = false;
   std::exception_ptr failure_;
+  int failure_error_ = 0;
 };
 
 }  // namespace toolkit

@@ -25,7 +25,8 @@ void SetPluginFolder(std::string folder);
 int RunUnderHost(toolkit::Dialog& dialog);
 
 /// Picks a file. `filter` holds pairs of description and pattern, each NUL-terminated, closed by a further NUL. 0 and
-/// `path` (and `index`, from 0, where given) set; 1 when the user cancelled, both untouched.
+/// `path` (and `index`, from 0, where given) set; 1 when the user cancelled, both untouched. A path of more than 999
+/// characters is reported as an overflow and counts as cancelled.
 int file_dialog(bool save, const char* title, std::string* path, const char* filter, int* index = nullptr);
 
 /// Picks a folder; `path` then ends in a separator. False when the user cancelled, `path` untouched.

@@ -1,0 +1,211 @@
+#include "toolkit/dialog.h"
+
+#include <chrono>
+#include <type_traits>
+
+#include "platform/fault.h"
+#include "platform/system.h"
+
+namespace toolkit {
+
+namespace {
+
+/// The control class that an event changes.
+template <class E>
+struct Target;
+template <>
+struct Target<Typed> {
+  using Type = TextField;
+  static constexpr Kind kKind = Kind::kText;
+};
+template <>
+struct Target<Pressed> {
+  using Type = Button;
+  static constexpr Kind kKind = Kind::kButton;
+};
+template <>
+struct Target<BoxTicked> {
+  using Type = TickBox;
+  static constexpr Kind kKind = Kind::kTickBox;
+};
+template <>
+struct Target<OptionChosen> {
+  using Type = RadioGroup;
+  static constexpr Kind kKind = Kind::kRadioGroup;
+};
+template <>
+struct Target<DaySet> {
+  using Type = DateField;
+  static constexpr Kind kKind = Kind::kDate;
+};
+template <>
+struct Target<EntrySelected> {
+  using Type = ChoiceList;
+  static constexpr Kind kKind = Kind::kChoice;
+};
+template <>
+struct Target<RowTicked> {
+  using Type = TickList;
+  static constexpr Kind kKind = Kind::kTickList;
+};
+template <>
+struct Target<RowSelected> {
+  using Type = TickList;
+  static constexpr Kind kKind = Kind::kTickList;
+};
+template <>
+struct Target<PageTurned> {
+  using Type = Pages;
+  static constexpr Kind kKind = Kind::kPages;
+};
+
+bool Has(std::size_t count, int position) { return position >= 0 && static_cast<std::size_t>(position) < count; }
+
+bool IsDay(const platform::CivilTime& day) {
+  // The calendar's own types hold a byte.
+  if (day.year < 1 || day.year > 9999 || day.month < 1 || day.month > 12 || day.day < 1 || day.day > 31) return false;
+  return std::chrono::year_month_day(std::chrono::year(day.year), std::chrono::month(static_cast<unsigned>(day.month)),
+                                     std::chrono::day(static_cast<unsigned>(day.day)))
+      .ok();
+}
+
+Answer Change(TextField& field, const Typed& event) {
+  if (field.form != TextField::Form::kEdit) return Answer::kReadOnly;
+  field.text = event.text.substr(0, event.text.find_first_of(std::string_view("\r\n\0", 3)));
+  return Answer::kTaken;
+}
+
+Answer Change(Button&, const Pressed&) { return Answer::kTaken; }
+
+Answer Change(TickBox& box, const BoxTicked& event) {
+  box.ticked = event.on;
+  return Answer::kTaken;
+}
+
+Answer Change(RadioGroup& group, const OptionChosen& event) {
+  if (!Has(group.options.size(), event.option)) return Answer::kNoSuchEntry;
+  group.chosen = event.option;
+  return Answer::kTaken;
+}
+
+Answer Change(DateField& field, const DaySet& event) {
+  // A field that is switched off keeps its day.
+  if (!event.on && field.can_be_off) {
+    field.on = false;
+    return Answer::kTaken;
+  }
+  if (!IsDay(event.day)) return Answer::kNoSuchEntry;
+  field.on = true;
+  field.day = event.day;
+  return Answer::kTaken;
+}
+
+Answer Change(ChoiceList& list, const EntrySelected& event) {
+  if (event.position != -1 && !Has(list.entries().size(), event.position)) return Answer::kNoSuchEntry;
+  list.Select(event.position);
+  return Answer::kTaken;
+}
+
+Answer Change(TickList& list, const RowTicked& event) {
+  if (!Has(list.rows.size(), event.row)) return Answer::kNoSuchEntry;
+  list.rows[static_cast<std::size_t>(event.row)].ticked = event.on;
+  return Answer::kTaken;
+}
+
+Answer Change(TickList& list, const RowSelected& event) {
+  if (event.row != -1 && !Has(list.rows.size(), event.row)) return Answer::kNoSuchEntry;
+  list.selected = event.row;
+  return Answer::kTaken;
+}
+
+Answer Change(Pages& pages, const PageTurned& event) {
+  if (!Has(pages.captions.size(), event.page)) return Answer::kNoSuchEntry;
+  pages.current = event.page;
+  return Answer::kTaken;
+}
+
+}  // namespace
+
+Control* Dialog::Find(ControlId id) const {
+  for (Control* control : controls_) {
+    if (control->id() == id) return control;
+  }
+  return nullptr;
+}
+
+bool Dialog::Shows(const Control& control) const {
+  if (!control.visible) return false;
+  if (control.pages_id == 0) return true;
+  const auto* pages = dynamic_cast<const Pages*>(Find(control.pages_id));
+  return pages != nullptr && pages->visible && pages->current == control.page;
+}
+
+Answer Dialog::Handle(const Event& event) {
+  const bool opening = std::holds_alternative<Opened>(event);
+  if (busy_ || (IsOpen() && opening)) return Answer::kBusy;
+  if (!IsOpen() && !opening) return Answer::kNotOpen;
+  const Answer answer = Apply(event);
+  if (answer != Answer::kTaken) return answer;
+  busy_ = true;
+  try {
+    platform::RunRaisingFaults([&] { Run(event); });
+  } catch (...) {
+    failure_error_ = platform::LastSystemError();
+    failure_ = std::current_exception();
+    End(kCancel);
+  }
+  busy_ = false;
+  return answer;
+}
+
+void Dialog::Rethrow() {
+  if (failure_ == nullptr) return;
+  platform::SetLastSystemError(failure_error_);
+  std::rethrow_exception(std::exchange(failure_, nullptr));
+}
+
+void Dialog::End(int result) {
+  state_ = State::kEnded;
+  result_ = result;
+}
+
+Answer Dialog::Apply(const Event& event) {
+  return std::visit(
+      [this]<class E>(const E& e) {
+        if constexpr (std::is_same_v<E, Opened>) {
+          state_ = State::kOpen;
+          result_ = kCancel;
+          return Answer::kTaken;
+        } else if constexpr (std::is_same_v<E, Closed>) {
+          return Answer::kTaken;
+        } else {
+          Control* control = Find(e.id);
+          if (control == nullptr) return Answer::kNoSuchControl;
+          if (!Shows(*control)) return Answer::kHidden;
+          if (!control->enabled) return Answer::kDisabled;
+          if (control->kind() != Target<E>::kKind) return Answer::kWrongKind;
+          return Change(static_cast<typename Target<E>::Type&>(*control), e);
+        }
+      },
+      event);
+}
+
+void Dialog::Run(const Event& event) {
+  std::visit(
+      [this]<class E>(const E& e) {
+        if constexpr (std::is_same_v<E, Opened>) {
+          OnOpened();
+        } else if constexpr (std::is_same_v<E, Closed>) {
+          OnPressed(kCancel);
+        } else if constexpr (std::is_same_v<E, Pressed>) {
+          OnPressed(e.id);
+        } else if constexpr (std::is_same_v<E, RowSelected>) {
+          OnRowSelected(e.id);
+        } else {
+          OnChanged(e.id);
+        }
+      },
+      event);
+}
+
+}  // namespace toolkit
