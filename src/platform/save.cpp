@@ -31,8 +31,10 @@ std::uint64_t Fingerprint(std::string_view text) {
 // What the names of all our files beside a target begin with: ".TARGET.", with a long name cut to what a name may hold.
 std::string SiblingStem(const std::string& name) {
   constexpr std::size_t kMostOfName = 180;
-  if (name.size() <= kMostOfName) return "." + name + ".";
-  return "." + name.substr(0, kMostOfName) + "." + std::to_string(Fingerprint(name)) + ".";
+  std::string stem = ".";
+  stem.append(name, 0, kMostOfName).push_back('.');
+  if (name.size() > kMostOfName) stem.append(std::to_string(Fingerprint(name))).push_back('.');
+  return stem;
 }
 
 // ".TARGET.PROCESS-NUMBER.pktaus-neu"
