@@ -26,8 +26,11 @@ class CException {
 /// A failure of the database layer. Thrown as a pointer; who catches it deletes it.
 class CDaoException : public CException {
  public:
-  CDaoException(std::string text, std::int32_t code, std::string description, std::string source)
-      : CException(std::move(text)), code(code), description(std::move(description)), source(std::move(source)) {}
+  CDaoException(std::string text, std::int32_t its_code, std::string its_description, std::string its_source)
+      : CException(std::move(text)),
+        code(its_code),
+        description(std::move(its_description)),
+        source(std::move(its_source)) {}
 
   std::int32_t code;
   std::string description;
