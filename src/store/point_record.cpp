@@ -5,11 +5,6 @@
 
 namespace pktaus {
 
-char object_types[kObjectTypeCount][kObjectTypeSize] = {
-    "Aufnahmepunkt", "BesondererBauwerkspunkt", "BesondererGebaeudepunkt",   "BesondererTopographischerPunkt",
-    "Grenzpunkt",    "Sicherungspunkt",         "SonstigerVermessungspunkt",
-};
-
 void SetEmptyRecord(PointRecord* record) {
   PointRecord empty;
   std::memset(&empty, 0, sizeof empty);

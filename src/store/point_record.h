@@ -66,10 +66,4 @@ static_assert(sizeof(void*) != 4 ||
 /// Gives the record the values of a point without attributes. `objid`, `bundesland`, `next`, `east` and `north` stay.
 void SetEmptyRecord(PointRecord* record);
 
-/// Names of the object types without "AX_"; `oa` counts the rows. A catalogue that is loaded rewrites them, so a stored
-/// `oa` means what the catalogue in force says.
-inline constexpr int kObjectTypeCount = 7;
-inline constexpr int kObjectTypeSize = 40;
-extern char object_types[kObjectTypeCount][kObjectTypeSize];
-
 }  // namespace pktaus
