@@ -251,6 +251,20 @@ int point_find_by_gid(const char* identifier, char* point_number, double* east, 
   return 1;
 }
 
+void point_walk_orders(const std::function<void(const OrderRow&)>& visit) {
+  if (!SelectTable()) return;
+  HostPoint point{};
+  Walk(&point, [&](std::int32_t number) {
+    d4go(number);
+    char auftrag[44];
+    field_trim(put(auftrag, f4str(references[kAuftrag])));
+    char antragn[44];
+    field_trim(put(antragn, f4str(references[kAntragn])));
+    visit({point.pt_no, auftrag, antragn, point.east, point.north});
+    return false;
+  });
+}
+
 void field_trim(char* text) {
   if (static_cast<unsigned char>(text[0]) >= 0x80) {
     text[0] = '\0';

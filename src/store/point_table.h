@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "store/point_record.h"
 
@@ -37,6 +38,19 @@ void point_remove(const char* point_number);
 /// Finds the first point whose GMLID, up to a byte of 0x80 or above and without blanks, equals `identifier`: 1 found,
 /// 0 not, outputs untouched.
 int point_find_by_gid(const char* identifier, char* point_number, double* east, double* north, std::size_t size);
+
+/// A point's order numbers without their padding, at most 43 characters each; a longer one is cut and reported. Texts
+/// live for the visit only.
+struct OrderRow {
+  const char* point_number;
+  const char* auftrag;
+  const char* antragn;
+  double east;   ///< metres
+  double north;  ///< metres
+};
+
+/// Visits all readable records in the table's order.
+void point_walk_orders(const std::function<void(const OrderRow&)>& visit);
 
 /// Takes the padding off a column's text, in place. A text that begins with a byte of 0x80 or above becomes empty.
 void field_trim(char* text);

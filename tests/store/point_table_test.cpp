@@ -263,5 +263,30 @@ TEST_F(PointTable, FindsTheFirstPointOfAnIdentifier) {
   }
 }
 
+TEST_F(PointTable, WalksTheOrderNumbersOfReadableRecords) {
+  std::vector<support::TableColumn> columns = support::PointColumns();
+  for (support::TableColumn& column : columns) {
+    if (column.name == "NE_ANTRAGN") column.width = 43;
+  }
+  TableFile table(columns);
+  table.Add({{"PT_NO", "0"}, {"NE_AUFTRAG", "A"}, {"NE_ANTRAGN", "B"}}, /*deleted=*/true);
+  table.Add({{"PT_NO", "1"}, {"NE_AUFTRAG", "  A 1 "}, {"NE_ANTRAGN", std::string(43, 'b')}, {"EAST", "1.5"}});
+  table.Add({{"PT_NO", "2"}, {"NE_AUFTRAG", "\xC4"}, {"NORTH", "2.5"}});
+  Open(std::move(table));
+  std::string seen;
+  const auto walk = [&seen] {
+    point_walk_orders([&seen](const OrderRow& row) {
+      seen += std::string(row.point_number) + "/" + row.auftrag + "/" + row.antragn + "/" + std::to_string(row.east) +
+              "/" + std::to_string(row.north) + "\n";
+    });
+  };
+  walk();
+  EXPECT_EQ(seen, "1/A 1/" + std::string(43, 'b') + "/1.500000/0.000000\n2///0.000000/2.500000\n");
+  EXPECT_TRUE(overflows_.texts().empty());
+  project_.reset();
+  walk();
+  EXPECT_EQ(seen.size(), std::string("1/A 1//1.500000/0.000000\n2///0.000000/2.500000\n").size() + 43);
+}
+
 }  // namespace
 }  // namespace pktaus
