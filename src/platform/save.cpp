@@ -14,7 +14,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t kBufferSize = 256 * 1024;  // stays in the cache of one core
+constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kMostAttempts = 100;
 constexpr std::string_view kEnding = ".pktaus-neu";
 

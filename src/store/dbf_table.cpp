@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 
 #include "platform/file.h"
@@ -31,12 +30,10 @@ constexpr char kEndOfFile = 0x1A;
 constexpr char kLive = ' ';
 constexpr char kDeleted = '*';
 
-std::uint32_t Byte(std::string_view bytes, std::size_t at) { return static_cast<unsigned char>(bytes[at]); }
-
 // `size` bytes, the lowest first.
 std::uint32_t Number(std::string_view bytes, std::size_t at, std::size_t size) {
   std::uint32_t value = 0;
-  for (std::size_t i = size; i-- > 0;) value = (value << 8) | Byte(bytes, at + i);
+  for (std::size_t i = size; i-- > 0;) value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
   return value;
 }
 
@@ -47,6 +44,70 @@ void PutNumber(char* at, std::int32_t value, std::size_t size) {
 bool Fail(DbfFault* why, DbfFault fault) {
   *why = fault;
   return false;
+}
+
+// The records of a file, block by block.
+class RecordBlocks {
+ public:
+  enum End {
+    kNoRecord,  ///< the byte there begins no record, or the file ends
+    kCut,       ///< the file ends inside the record there
+    kFailed,    ///< it could not be read
+  };
+
+  RecordBlocks(platform::File* file, std::uint64_t offset, std::size_t record_size)
+      : file_(file),
+        offset_(offset),
+        step_(record_size),
+        // Stays in the processor's cache, and is more than the saver puts into its own buffer.
+        buffer_(std::max<std::size_t>(1, 128 * 1024 / record_size) * record_size, '\0') {}
+
+  /// Whole records with their flag bytes, deleted ones among them. False where there are no more, and end() tells why.
+  bool Next(std::string_view* records) {
+    if (ended_) return false;
+    const std::int64_t read = file_->ReadAt(buffer_.data(), buffer_.size(), offset_);
+    const std::size_t size = read < 0 ? 0 : static_cast<std::size_t>(read);
+    std::size_t whole = 0;
+    const auto is_record = [&] { return buffer_[whole] == kLive || buffer_[whole] == kDeleted; };
+    while (size - whole >= step_ && is_record()) whole += step_;
+    ended_ = whole < buffer_.size();
+    if (read < 0) {
+      end_ = kFailed;
+    } else if (size - whole < step_ && size > whole && is_record()) {
+      end_ = kCut;
+    }
+    offset_ += whole;
+    *records = std::string_view(buffer_.data(), whole);
+    return whole > 0;
+  }
+
+  /// Of the first byte behind the records given so far.
+  std::uint64_t offset() const { return offset_; }
+  End end() const { return end_; }
+
+ private:
+  platform::File* file_;
+  std::uint64_t offset_;
+  std::size_t step_;
+  std::string buffer_;
+  bool ended_ = false;
+  End end_ = kNoRecord;
+};
+
+// Whether nothing but end marks and zero bytes stands from there on. A failure to read is told in `why`.
+bool IsBlankFrom(platform::File* file, std::uint64_t offset, DbfFault* why) {
+  constexpr std::string_view kNothing("\x1A\0", 2);
+  std::string buffer(64 * 1024, '\0');
+  for (;;) {
+    const std::int64_t read = file->ReadAt(buffer.data(), buffer.size(), offset);
+    if (read < 0) {
+      return Fail(why, {.kind = DbfFault::kNotRead, .offset = offset, .system_error = platform::LastSystemError()});
+    }
+    const std::string_view bytes(buffer.data(), static_cast<std::size_t>(read));
+    if (bytes.find_first_not_of(kNothing) != std::string_view::npos) return false;
+    if (bytes.size() < buffer.size()) return true;
+    offset += bytes.size();
+  }
 }
 
 }  // namespace
@@ -64,84 +125,81 @@ std::unique_ptr<CDbfTable> CDbfTable::Load(const char* path, DbfFault* why) {
 }
 
 bool CDbfTable::Read(const char* path, DbfFault* why) {
-  platform::File file;
   platform::FileFacts facts;
   if (path == nullptr || *path == '\0') return Fail(why, {.kind = DbfFault::kNotOpened, .system_error = ENOENT});
-  if (!file.Open(path, platform::OpenMode::kRead) || !file.Facts(&facts)) {
+  if (!source_.Open(path, platform::OpenMode::kRead) || !source_.Facts(&facts)) {
     return Fail(why, {.kind = DbfFault::kNotOpened, .system_error = platform::LastSystemError()});
   }
   if (!facts.kind_file) return Fail(why, {.kind = DbfFault::kNotOpened, .system_error = EINVAL});
-
-  // One byte more than the file has, to see whether it still grows.
-  const auto size = static_cast<std::size_t>(facts.size);
-  bytes_.reset(new (std::nothrow) char[size + 1]);
-  if (!bytes_) return Fail(why, {DbfFault::kNoMemory});
-  const std::int64_t read = file.Read(bytes_.get(), size + 1);
-  if (read != static_cast<std::int64_t>(size)) {
-    return Fail(why, {.kind = DbfFault::kNotRead, .system_error = read < 0 ? platform::LastSystemError() : EBUSY});
-  }
-  return ReadHeader({bytes_.get(), size}, why) && FindRecords(size, why);
+  return ReadHeader(why);
 }
 
-bool CDbfTable::ReadHeader(std::string_view bytes, DbfFault* why) {
-  if (bytes.size() <= kHeaderSize) return Fail(why, {DbfFault::kHeaderCut, bytes.size()});
-  version_ = static_cast<std::uint8_t>(bytes[0]);
-  std::copy_n(bytes.begin() + 1, date_.size(), date_.begin());
+bool CDbfTable::ReadHeader(DbfFault* why) {
+  std::string header(kHeaderSize + kMaxFields * kDescriptorSize + 1, '\0');
+  const std::int64_t read = source_.ReadAt(header.data(), header.size(), 0);
+  if (read < 0) return Fail(why, {.kind = DbfFault::kNotRead, .system_error = platform::LastSystemError()});
+  header.resize(static_cast<std::size_t>(read));
+  if (header.size() <= kHeaderSize) return Fail(why, {DbfFault::kHeaderCut, header.size()});
+  version_ = static_cast<std::uint8_t>(header[0]);
+  std::copy_n(header.begin() + 1, date_.size(), date_.begin());
 
-  const std::size_t length = Number(bytes, kHeaderLengthAt, 2);
-  if (length < kHeaderSize + 1 || (length - kHeaderSize - 1) % kDescriptorSize != 0) {
+  const std::size_t length = Number(header, kHeaderLengthAt, 2);
+  if (length <= kHeaderSize || (length - kHeaderSize - 1) % kDescriptorSize != 0) {
     return Fail(why, {DbfFault::kHeaderLength, kHeaderLengthAt});
   }
   // The flag stands among the bytes that a save clears; without it nobody could read the records any more.
-  if (bytes[kEncryptionAt] == 1) return Fail(why, {DbfFault::kEncrypted, kEncryptionAt});
+  if (header[kEncryptionAt] == 1) return Fail(why, {DbfFault::kEncrypted, kEncryptionAt});
 
   const std::size_t end = length - 1;
+  if (end > kHeaderSize + kMaxFields * kDescriptorSize) return Fail(why, {DbfFault::kTooManyFields, kHeaderLengthAt});
+  if (header.size() < length) return Fail(why, {DbfFault::kHeaderCut, header.size()});
   for (std::size_t at = kHeaderSize; at < end; at += kDescriptorSize) {
-    if (at + kDescriptorSize >= bytes.size()) return Fail(why, {DbfFault::kHeaderCut, bytes.size()});
-    if (bytes[at] == kEndOfHeader) return Fail(why, {DbfFault::kHeaderLength, at});
-    const char* name = bytes.data() + at;
-    if (AddField({name, strnlen(name, kNameSize)}, bytes[at + kTypeAt],
-                 static_cast<std::int32_t>(Byte(bytes, at + kWidthAt)),
-                 static_cast<std::int32_t>(Byte(bytes, at + kDecimalsAt)), why) == nullptr) {
+    if (header[at] == kEndOfHeader) return Fail(why, {DbfFault::kHeaderLength, at});
+    if (AddField({header.data() + at, strnlen(header.data() + at, kNameSize)}, header[at + kTypeAt],
+                 static_cast<std::int32_t>(Number(header, at + kWidthAt, 1)),
+                 static_cast<std::int32_t>(Number(header, at + kDecimalsAt, 1)), why) == nullptr) {
       why->offset = at;
       return false;
     }
   }
-  if (bytes[end] != kEndOfHeader) return Fail(why, {DbfFault::kNoTerminator, end});
-  if (Number(bytes, kRecordLengthAt, 2) != static_cast<std::uint32_t>(record_size_)) {
+  if (header[end] != kEndOfHeader) return Fail(why, {DbfFault::kNoTerminator, end});
+  if (Number(header, kRecordLengthAt, 2) != static_cast<std::uint32_t>(record_size_)) {
     return Fail(why, {DbfFault::kRecordLength, kRecordLengthAt});
   }
-  records_ = length;
+  loaded_header_ = header_size_;
   loaded_size_ = record_size_;
-  return true;
+  return FindRecords(Number(header, kCountAt, 4), why);
 }
 
-// Goes over the records and closes the gaps that deleted ones leave.
-bool CDbfTable::FindRecords(std::size_t size, DbfFault* why) {
-  const std::size_t step = static_cast<std::size_t>(record_size_);
-  const std::string_view bytes(bytes_.get(), size);
-  const std::uint32_t counted = Number(bytes, kCountAt, 4);
-  std::size_t at = records_;
-  std::size_t live_end = records_;
+bool CDbfTable::FindRecords(std::uint32_t counted, DbfFault* why) {
+  const auto step = static_cast<std::size_t>(loaded_size_);
+  RecordBlocks blocks(&source_, static_cast<std::uint64_t>(loaded_header_), step);
   std::int64_t seen = 0;
-  while (at < size && (bytes[at] == kLive || bytes[at] == kDeleted)) {
-    ++seen;
-    if (size - at < step) return Fail(why, {.kind = DbfFault::kRecordCut, .offset = size, .record = seen});
-    if (bytes[at] == kLive) {
-      if (live_end != at) std::memmove(bytes_.get() + live_end, bytes_.get() + at, step);
-      live_end += step;
-    }
-    at += step;
+  std::int64_t live = 0;
+  std::string_view block;
+  while (blocks.Next(&block)) {
+    for (std::size_t at = 0; at < block.size(); at += step) live += block[at] == kLive ? 1 : 0;
+    seen += static_cast<std::int64_t>(block.size() / step);
+  }
+  const std::int64_t next = seen + 1;
+  switch (blocks.end()) {
+    case RecordBlocks::kFailed:
+      return Fail(why, {.kind = DbfFault::kNotRead,
+                        .offset = blocks.offset(),
+                        .record = next,
+                        .system_error = platform::LastSystemError()});
+    case RecordBlocks::kCut:
+      return Fail(why, {.kind = DbfFault::kRecordCut, .offset = blocks.offset(), .record = next});
+    case RecordBlocks::kNoRecord:
+      break;
   }
   // Behind the last record may stand anything, but not while the header knows of more records: they may be there.
-  constexpr std::string_view kNothing("\x1A\0", 2);
-  if (seen < counted && bytes.find_first_not_of(kNothing, at) != std::string_view::npos) {
-    return Fail(why, {.kind = DbfFault::kRecordFlag, .offset = at, .record = seen + 1});
+  if (seen < counted && !IsBlankFrom(&source_, blocks.offset(), why)) {
+    if (why->kind == DbfFault::kUnknown) *why = {.kind = DbfFault::kRecordFlag, .offset = blocks.offset()};
+    why->record = next;
+    return false;
   }
-  const std::size_t live = (live_end - records_) / step;
-  if (live > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-    return Fail(why, {DbfFault::kNoMemory, at});
-  }
+  if (live > std::numeric_limits<std::int32_t>::max()) return Fail(why, {DbfFault::kTooManyRecords, blocks.offset()});
   record_count_ = static_cast<std::int32_t>(live);
   return true;
 }
@@ -193,7 +251,7 @@ const DbfField* CDbfTable::AddField(std::string_view name, char type, std::int32
   return &place;
 }
 
-void CDbfTable::Save(const char* path) const {
+void CDbfTable::Save(const char* path) {
   const platform::KeepSystemError keep;
   platform::FileSaver saver;
   if (!saver.Open(path)) return;
@@ -214,32 +272,35 @@ void CDbfTable::Save(const char* path) const {
   }
   *descriptor = kEndOfHeader;
   saver.Write(header);
-  WriteRecords(&saver);
+  if (!WriteRecords(&saver)) return;
   saver.Write(&kEndOfFile, 1);
   saver.Commit();
 }
 
-void CDbfTable::WriteRecords(platform::FileSaver* saver) const {
-  const char* record = bytes_.get() + records_;
+// False where the file no longer holds the records that were counted.
+bool CDbfTable::WriteRecords(platform::FileSaver* saver) {
+  if (!source_.IsOpen()) return true;
   const auto old_size = static_cast<std::size_t>(loaded_size_);
   const auto new_size = static_cast<std::size_t>(record_size_);
-  auto left = static_cast<std::size_t>(record_count_);
-  if (new_size == old_size) {
-    saver->Write(record, left * old_size);
-    return;
-  }
-  // As many records as stay in the processor's cache. What was added is blank everywhere, so it is laid out once.
-  constexpr std::size_t kBlockSize = 256 * 1024;
-  const std::size_t fit = std::min(left, std::max<std::size_t>(1, kBlockSize / new_size));
-  std::string block(fit * new_size, ' ');
-  while (left > 0) {
-    const std::size_t count = std::min(left, fit);
-    for (std::size_t i = 0; i < count; ++i, record += old_size) {
-      std::memcpy(block.data() + i * new_size, record, old_size);
+  RecordBlocks blocks(&source_, static_cast<std::uint64_t>(loaded_header_), old_size);
+  std::int64_t live = 0;
+  std::string wide;
+  std::string_view block;
+  while (blocks.Next(&block)) {
+    const std::size_t count = block.size() / old_size;
+    // What was added is blank in every record: laid out once, it stays when the next block comes.
+    wide.resize(std::max(wide.size(), count * new_size), ' ');
+    char* out = wide.data();
+    for (std::size_t at = 0; at < block.size(); at += old_size) {
+      if (block[at] != kLive) continue;
+      std::memcpy(out, block.data() + at, old_size);
+      out += new_size;
     }
-    if (!saver->Write(block.data(), count * new_size)) return;
-    left -= count;
+    const auto size = static_cast<std::size_t>(out - wide.data());
+    live += static_cast<std::int64_t>(size / new_size);
+    saver->Write(wide.data(), size);
   }
+  return blocks.end() == RecordBlocks::kNoRecord && live == record_count_;
 }
 
 }  // namespace pktaus

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
+
+#include "platform/file.h"
 
 namespace platform {
 class FileSaver;
@@ -26,21 +27,21 @@ struct DbfField {
 /// Why a table was not loaded or not extended, and where.
 struct DbfFault {
   enum Kind {
-    kUnknown,        ///< the start; never the answer of a load that went well
-    kNone,           ///< no fault
-    kNotOpened,      ///< `system_error` tells why
-    kNotRead,        ///< the file opened and could not be read to its end; `system_error` tells why
-    kNoMemory,       ///< the file is larger than the memory that there is, or has more than 2^31 - 1 records
-    kHeaderCut,      ///< the file ends inside the header
-    kHeaderLength,   ///< the header's length does not fit the field descriptors
-    kNoTerminator,   ///< no 0x0D behind the field descriptors
-    kEncrypted,      ///< the records are encrypted
-    kTooManyFields,  ///< more than 255
-    kTooMuchAdded,   ///< the fields added after loading have more than 400 bytes
-    kFieldName,      ///< no name is free for a field
-    kRecordLength,   ///< the header's record length is not that of the fields
-    kRecordCut,      ///< the file ends inside a record
-    kRecordFlag,     ///< no record where the header counts one, but more bytes follow
+    kUnknown,         ///< the start; never the answer of a load that went well
+    kNone,            ///< no fault
+    kNotOpened,       ///< `system_error` tells why
+    kNotRead,         ///< the file opened and could not be read to its end; `system_error` tells why
+    kTooManyRecords,  ///< more than 2^31 - 1
+    kHeaderCut,       ///< the file ends inside the header
+    kHeaderLength,    ///< the header's length does not fit the field descriptors
+    kNoTerminator,    ///< no 0x0D behind the field descriptors
+    kEncrypted,       ///< the records are encrypted
+    kTooManyFields,   ///< more than 255
+    kTooMuchAdded,    ///< the fields added after loading have more than 400 bytes
+    kFieldName,       ///< no name is free for a field
+    kRecordLength,    ///< the header's record length is not that of the fields
+    kRecordCut,       ///< the file ends inside a record
+    kRecordFlag,      ///< no record where the header counts one, but more bytes follow
   };
   Kind kind = kUnknown;
   std::uint64_t offset = 0;  ///< byte of the file that shows the fault
@@ -49,8 +50,11 @@ struct DbfFault {
   int system_error = 0;
 };
 
-/// A dBase table in memory. Knows no index, no memo and no update: a table is loaded whole, gets columns, and is saved
-/// whole. Deleted records and all reserved bytes are gone afterwards.
+/// A dBase table that is loaded whole, gets columns, and is saved whole. Knows no index, no memo and no update. Deleted
+/// records and all reserved bytes are gone after a save.
+///
+/// The records are checked one by one while loading but stay in the file, which is kept open, and pass through a small
+/// buffer again while saving: memory does not grow with the table, and to touch less of it is also much faster.
 class CDbfTable {
  public:
   static constexpr int kMaxFields = 255;
@@ -65,8 +69,9 @@ class CDbfTable {
   /// be null. `why`, where given, tells the fault, or kNone.
   static std::unique_ptr<CDbfTable> Load(const char* path, DbfFault* why = nullptr);
 
-  /// Puts the table in the place of the file. A file that cannot be written stays as it was, without a word.
-  void Save(const char* path) const;
+  /// Puts the table in the place of the file. A file that cannot be written stays as it was, without a word; so does it
+  /// where the records are no longer those that were loaded.
+  void Save(const char* path);
 
   /// The first field with this full name, case-sensitive; null where there is none. Valid as long as the table.
   const DbfField* FindField(std::string_view name) const;
@@ -85,10 +90,10 @@ class CDbfTable {
 
  private:
   bool Read(const char* path, DbfFault* why);
-  bool ReadHeader(std::string_view bytes, DbfFault* why);
-  bool FindRecords(std::size_t size, DbfFault* why);
-  void WriteRecords(platform::FileSaver* saver) const;
+  bool ReadHeader(DbfFault* why);
+  bool FindRecords(std::uint32_t counted, DbfFault* why);
   bool MakeUnique(char (&short_name)[11]) const;
+  bool WriteRecords(platform::FileSaver* saver);
 
   std::uint8_t version_ = 0;
   std::array<std::uint8_t, 3> date_{};  // year, month and day of the last change, as the file has them
@@ -97,10 +102,9 @@ class CDbfTable {
   std::int32_t record_size_ = 1;
   std::int32_t field_count_ = 0;
   std::array<DbfField, kMaxFields> fields_;
-  // The file's bytes; from `records_` on the records that are not deleted, one behind the other with their flag bytes.
-  std::unique_ptr<char[]> bytes_;
-  std::size_t records_ = 0;
-  std::int32_t loaded_size_ = 0;  // record_size_ in the file; 0 in a table that comes from none
+  platform::File source_;           // where the records are; closed in a table that comes from no file
+  std::int32_t loaded_header_ = 0;  // header_size_ in that file
+  std::int32_t loaded_size_ = 0;    // record_size_ in that file
 };
 
 }  // namespace pktaus

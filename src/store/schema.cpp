@@ -41,8 +41,8 @@ std::string Reason(const DbfFault& fault) {
     case DbfFault::kNotRead:
       return "Sie konnte nicht bis zum Ende gelesen werden ("_ansi + platform::SystemErrorText(fault.system_error) +
              ")";
-    case DbfFault::kNoMemory:
-      return "Sie ist zu groß für den Arbeitsspeicher"_ansi;
+    case DbfFault::kTooManyRecords:
+      return "Sie hat zu viele Datensätze"_ansi;
     case DbfFault::kHeaderCut:
       return "Die Datei endet im Kopf"_ansi;
     case DbfFault::kHeaderLength:
@@ -76,10 +76,10 @@ std::string Place(const DbfFault& fault) {
 }
 
 std::string FaultText(const char* path, const DbfFault& fault) {
-  const bool could_not = fault.kind == DbfFault::kNotRead || fault.kind == DbfFault::kNoMemory;
   return std::string("Die Punkttabelle '") + path +
-         (could_not ? "' kann nicht gelesen werden: " : "' ist keine regelmäßige dBase-Datei: "_ansi) + Reason(fault) +
-         " (" + Place(fault) + "). Die Datei wurde nicht verändert."_ansi;
+         (fault.kind == DbfFault::kNotRead ? "' kann nicht gelesen werden: "
+                                           : "' ist keine regelmäßige dBase-Datei: "_ansi) +
+         Reason(fault) + " (" + Place(fault) + "). Die Datei wurde nicht verändert."_ansi;
 }
 
 [[noreturn]] void Raise(const char* path, const DbfFault& fault) {
