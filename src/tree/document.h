@@ -1,0 +1,86 @@
+// A tree of nodes with two surface forms: XML (NAS files) and ini (settings, catalogues).
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tree/block_store.h"
+#include "tree/name_table.h"
+#include "tree/node.h"
+
+namespace pktaus {
+
+/// Levels of elements that may be open within one another while an XML file is read, the root included. A file that
+/// opens more, whether or not they prove to be elements in the end, loads with a null root.
+inline constexpr int kMaxDepth = 10000;
+
+/// Owner of a tree, of its names and of the storage of all its nodes. A new document has an XML header and no root.
+class CTreeDocument {
+ public:
+  CTreeDocument();
+  virtual ~CTreeDocument() = default;
+  CTreeDocument(const CTreeDocument&) = delete;
+  CTreeDocument& operator=(const CTreeDocument&) = delete;
+
+  /// A node that is not linked yet; never null. A name that the table refuses gives a node without a name, and from
+  /// then on every save of the document fails: a file with a wrong name is never written.
+  CTreeNode* NewNode(std::string_view name);
+  CTreeNode* NewTextNode(std::string_view name, std::string_view value);
+  /// A comment ("--") or a marked section ("[").
+  CTreeMarkupNode* NewMarkupNode(std::string_view name, std::string_view value);
+
+  CTreeNode* GetRoot() const { return root_; }
+  /// Makes the node the root in place of the present one, and its name the document's.
+  void SetRoot(CTreeNode* node);
+  CTreeHeaderNode* GetHeader() const { return header_; }
+  /// "GCPDocument", or the name of the node that SetRoot was given last.
+  const std::string& GetName() const { return name_; }
+  /// File last read or written in the XML form or read in the ini form (the copy's path where one was staged).
+  const std::string& GetPath() const { return path_; }
+
+  /// Reads an XML file; true if it could be opened, whatever it holds. What cannot be read as a tree gives a null root,
+  /// as do names that the name table refuses and more levels than kMaxDepth. Header and nodes of before are gone then,
+  /// names stay. `scan_all` goes to NeedsStaging.
+  bool LoadXml(std::string_view path, bool scan_all);
+  /// Reads an ini file; true if it could be opened and read to its end, else the document is unchanged. With
+  /// `free_keys` a key in single quotes is a free key as one in double quotes always is.
+  bool LoadIni(std::string_view path, bool free_keys);
+
+  /// 0, or -1 where the file could not be made whole; what stood there before stands there then.
+  int SaveXml(std::string_view path);
+  int SaveIni(std::string_view path);
+
+  /// The same forms from and to a stream that the caller opened and closes.
+  void ReadXml(TextStream* stream);
+  bool ReadIni(TextStream* stream, bool free_keys);
+  void WriteXml(TextStream* stream) const;
+  void WriteIni(TextStream* stream) const;
+
+  NameId Intern(std::string_view name) { return names_.Intern(name); }
+  std::string_view NameOf(NameId id) const { return names_.NameOf(id); }
+
+ private:
+  friend class CTreeNode;
+  friend class IniReader;
+  friend class XmlReader;
+
+  /// Interns the name of a part of the tree; a refusal spoils the document.
+  NameId NameFor(std::string_view name);
+  void ForgetNodes();
+  CTreeNode* MakeNode(NameId name);
+  CTreeMarkupNode* MakeMarkup(NameId name);
+  CTreeHeaderNode* MakeHeader();
+  CTreeAttribute* MakeAttribute(NameId name, std::string_view value);
+  std::string_view KeepText(std::string_view text);
+
+  CTreeNode* root_ = nullptr;
+  CTreeHeaderNode* header_ = nullptr;
+  std::string name_ = "GCPDocument";
+  std::string path_;
+  CNameTable names_;
+  std::unique_ptr<BlockStore> store_;  // nodes, attributes, values
+  bool spoilt_ = false;                // a name was refused to a program
+};
+
+}  // namespace pktaus

@@ -1,0 +1,73 @@
+#include "tree/name_table.h"
+
+#include <cstring>
+
+namespace pktaus {
+
+CNameTable::CNameTable() : slots_(256), seed_(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15U) {}
+
+int CNameTable::BucketOf(std::string_view name) {
+  int sum = 0;
+  int weight = 1;
+  for (const char c : name) {
+    sum = (sum + static_cast<signed char>(c) * weight) % 32767;
+    weight = (weight + 1) % 100;
+  }
+  const int bucket = sum % kBuckets;
+  return bucket < 0 ? bucket + kBuckets : bucket;  // bytes above 127 count as negative
+}
+
+// Seeded, so that no file can be made whose names all fall on one place.
+std::uint64_t CNameTable::SlotHash(std::string_view name) const {
+  constexpr std::uint64_t kFactor = 0xD6E8FEB86659FD93U;
+  std::uint64_t hash = seed_ ^ name.size();
+  const auto mix = [&](std::uint64_t word) {
+    hash = (hash ^ word) * kFactor;
+    hash ^= hash >> 32;
+  };
+  const char* p = name.data();
+  std::size_t n = name.size();
+  std::uint64_t word = 0;
+  for (; n >= 8; n -= 8, p += 8) {
+    std::memcpy(&word, p, 8);
+    mix(word);
+  }
+  word = 0;
+  for (std::size_t i = 0; i < n; ++i) word = word << 8 | static_cast<unsigned char>(p[i]);
+  mix(word);
+  mix(seed_ >> 7);
+  return hash;
+}
+
+NameId CNameTable::Intern(std::string_view name) {
+  if (name.size() > kMaxNameLength) return kNoName;
+  const std::uint64_t hash = SlotHash(name);
+  std::size_t at = hash & (slots_.size() - 1);
+  for (; slots_[at].id != kNoName; at = (at + 1) & (slots_.size() - 1)) {
+    if (slots_[at].hash == hash && NameOf(slots_[at].id) == name) return slots_[at].id;
+  }
+  const int bucket = BucketOf(name);
+  std::vector<Entry>& chain = buckets_[static_cast<std::size_t>(bucket)];
+  if (chain.size() >= kMaxPerBucket) return kNoName;
+  const NameId id = static_cast<NameId>(chain.size()) * 65536 + bucket;
+  char* text = texts_.TakeText(name.size() + 1);
+  name.copy(text, name.size());
+  text[name.size()] = '\0';
+  chain.push_back({text, static_cast<std::uint32_t>(name.size())});
+  slots_[at] = {hash, id};
+  if (++count_ * 2 > slots_.size()) Grow();
+  return id;
+}
+
+void CNameTable::Grow() {
+  std::vector<Slot> old(slots_.size() * 4);
+  old.swap(slots_);
+  for (const Slot& slot : old) {
+    if (slot.id == kNoName) continue;
+    std::size_t at = slot.hash & (slots_.size() - 1);
+    while (slots_[at].id != kNoName) at = (at + 1) & (slots_.size() - 1);
+    slots_[at] = slot;
+  }
+}
+
+}  // namespace pktaus
