@@ -46,15 +46,28 @@ class Town:
         self.points.append((deleted, dict(pt_no=number, east=east + (ZONE if zone else 0), north=north,
                                           elev=height(east, north), **columns)))
 
-    def imported(self, position, nas_class, values, remark, code, quality):
-        """A point that the cadastre knows: its identifier is its number, and the import left three columns."""
+    def identifier(self, position, first):
+        """The next point identifier in the kilometre square of a place, counted from `first`."""
         square = "32%03d%04d" % (position[0] // 1000, position[1] // 1000)
-        self.running[square] = self.running.get(square, 0) + 1
-        number = square + "%06d" % self.running[square]
+        number = self.running.get((square, first), first)
+        self.running[square, first] = number + 1
+        return square + "%06d" % number
+
+    def imported(self, position, nas_class, values, remark, code, quality):
+        """A point that the cadastre knows: an import left its identifier, its class and its attributes."""
+        number = self.identifier(position, 1)
         self.objects += 1
         self.add(number, position, zone=True, code=code, status="B", rem=remark, draw="J", quality=quality,
                  pkn_abm_bz="%s,%s," % (number, values), nastable=nas_class,
                  gmlid="DETHMU00%08X" % (0x1A00 + 7 * self.objects))
+
+    def building(self, outline, first, remark, zone, deleted=()):
+        """A ring of corners under reserved identifiers, each joined to the next."""
+        positions = [place(*corner) for corner in outline]
+        numbers = [self.identifier(position, first) for position in positions]
+        for n, position in enumerate(positions):
+            self.add(numbers[n], position, zone, code="GEB", status="N", connect=numbers[(n + 1) % len(numbers)],
+                     rem=remark, draw="J", quality="1", deleted=n in deleted)
 
 
 def plots(town):
@@ -76,30 +89,24 @@ def plots(town):
 
 
 def houses(town):
-    """A house on each plot, with its corners joined to a ring."""
-    number = 1000
+    """A house on each plot. Those of the southern side of the main street were delivered without the zone."""
     for street, start, side in ((STREETS[0], STREET / 2, 1), (STREETS[0], -STREET / 2, -1),
                                 (STREETS[1], STREET * 1.5 + 2 * PLOT_DEPTH, 1)):
         along = -100.0
         for plot, width in enumerate(PLOT_WIDTHS):
-            front, house_width = 4.5 + plot % 3, width - 6.5
-            ring = [(3.25, front), (3.25 + house_width, front), (3.25 + house_width, front + 11.2), (3.25, front + 11.2)]
-            for corner, (x, y) in enumerate(ring):
-                number += 1
-                following = number + 1 if corner < 3 else number - 3
-                town.add("G%d" % number, place(along + x, start + side * y), zone=number <= 1040, code="GEB", status="N",
-                         connect="G%d" % following, rem="%s %d" % (street[0], 2 * plot + (1 if side > 0 else 2)), draw="J",
-                         quality="1", deleted=number in (1007, 1038, 1066, 1101))
+            left, right, front = along + 3.25, along + width - 3.25, 4.5 + plot % 3
+            outline = [(left, front), (right, front), (right, front + 11.2), (left, front + 11.2)]
+            number = 2 * plot + (1 if side > 0 else 2)
+            town.building([(x, start + side * y) for x, y in outline], 20001, "%s %d" % (street[0], number),
+                          zone=side > 0, deleted=(2,) if plot == 4 or number == 15 else ())
             along += width
 
 
 def church(town):
-    """The church behind the western end: nave and choir."""
+    """The church beyond the western end: nave and choir."""
     outline = [(0, 0), (24, 0), (24, 3), (30, 3), (33, 6), (30, 9), (24, 9), (24, 12), (0, 12), (0, 9), (-5, 9), (-5, 3),
                (0, 3)]
-    for n, (x, y) in enumerate(outline):
-        town.add("K%d" % (n + 1), place(-160 + x, 8 + y), zone=False, code="GEB", status="N",
-                 connect="K%d" % ((n + 1) % len(outline) + 1), rem="St. Änne", draw="J", quality="1")
+    town.building([(x - 160, y + 8) for x, y in outline], 30001, "St. Änne", zone=False)
 
 
 def control(town):

@@ -33,7 +33,7 @@ need() {
   rm -f "$log"
 }
 
-need_build() { need g++ cmake ninja-build ccache; }
+need_build() { need g++ cmake ninja-build ccache libgtest-dev; }
 # g++-multilib compiles the check of the host's 32-bit record layouts, xmllint reads what the plug-in wrote.
 need_tests() { need g++ g++-multilib cmake ninja-build ccache libgtest-dev python3 libxml2-utils; }
 
