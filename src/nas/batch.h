@@ -37,10 +37,10 @@ std::string WriteBatchFile(BatchPoint* points, const std::string& output_path, c
                            const std::string& land, const std::string& application_number,
                            const std::string& order_number);
 
-/// The transaction member of the object, unlinked, the caller's; sets `objid` of the point.
+/// The transaction member of the object, not linked yet; sets `objid` of the point.
 CTreeNode* WriteBatchObject(CTreeDocument* document, BatchPoint* point, const std::string& land);
 
-/// The transaction member of the position object, unlinked, the caller's. Comes behind WriteBatchObject of the point.
+/// The transaction member of the position object, not linked yet. Comes behind WriteBatchObject of the point.
 /// In its coordinates the first "," becomes ".".
 CTreeNode* WriteBatchPunktort(CTreeDocument* document, BatchPoint* point);
 

@@ -30,7 +30,7 @@ std::string NowStamp();
 /// The local day of a moment (seconds since 1970-01-01T00:00Z), "YYYY-MM-DD".
 std::string DayText(std::int64_t seconds);
 
-/// The element `anlass` in the form that the federal state ("16", ...) takes; unlinked, the caller's.
+/// The element `anlass` in the form that the federal state ("16", ...) takes; not linked yet.
 CTreeNode* NewAnlassNode(CTreeDocument* document, std::string_view land);
 
 }  // namespace pktaus
