@@ -15,7 +15,7 @@ namespace platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kMostAttempts = 100;
+constexpr int kMostAttempts = 20;
 constexpr std::string_view kEnding = ".pktaus-neu";
 
 // Folder and name of a real path, which is absolute.
@@ -204,22 +204,25 @@ bool FileSaver::Work::WriteInPlace() {
     SetLastSystemError(ENOSPC);
     return false;
   }
+  // How far it came.
   const auto copy = [&](std::uint64_t at, std::uint64_t end) {
     while (at < end) {
       const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), end - at));
-      if (waiting.ReadAt(buffer.data(), part, at) != static_cast<std::int64_t>(part)) return false;
-      if (!target.WriteAt(buffer.data(), part, at)) return false;
+      if (waiting.ReadAt(buffer.data(), part, at) != static_cast<std::int64_t>(part)) break;
+      if (!target.WriteAt(buffer.data(), part, at)) break;
       at += part;
     }
-    return true;
+    return at;
   };
   const std::uint64_t kept = std::min(old_size, size);
-  if (!copy(kept, size) || !Files().Sync(target.handle())) {
+  const bool longer = copy(kept, size) == size && Files().Sync(target.handle());
+  const std::uint64_t replaced = longer ? copy(0, kept) : 0;
+  if (!longer || replaced < kept) {
     const KeepSystemError keep;
-    Files().Truncate(target.handle(), old_size);
+    if (replaced == 0) Files().Truncate(target.handle(), old_size);
     return false;
   }
-  if (!copy(0, kept) || (size < old_size && !Files().Truncate(target.handle(), size))) return false;
+  if (size < old_size && !Files().Truncate(target.handle(), size)) return false;
   const bool synced = Files().Sync(target.handle());
   return target.Close() && synced;
 }
