@@ -100,8 +100,8 @@ bool Table::ReadHeader(std::string* why) {
   std::size_t widths = 1;
   for (const Column& column : columns_) widths += static_cast<std::size_t>(column.width);
   record_size_ = LittleEndian(&head[10], 2);
-  if (record_size_ < widths) {
-    *why = "Die Satzlänge im Dateikopf ist kleiner als die Summe der Feldbreiten."_ansi;
+  if (record_size_ != widths) {
+    *why = "Die Satzlänge im Dateikopf passt nicht zu den Feldbreiten."_ansi;
     return false;
   }
   // Some dialects keep room between the end of the descriptors and the first record.

@@ -28,8 +28,9 @@ struct Column {
 };
 
 /// Reads what it can make sense of and writes nothing but whole records in their place, so that no table is damaged by
-/// being open here. Header and length of records are the file's own; the count is what its header says where that many
-/// records stand there, otherwise what does stand there. Paths and texts are Windows-1252.
+/// being open here: a record length that is not that of the columns is refused, room in front of the first record is
+/// not. The count is what the header says where that many records stand there, otherwise what does stand there. Paths
+/// and texts are Windows-1252.
 class Table {
  public:
   enum class Got { kRead, kDeleted, kOutside, kFailed };

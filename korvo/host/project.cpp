@@ -89,7 +89,8 @@ bool HasCompanion(TableSlot& slot, const std::string& points, const char* extens
 std::string NoteOnLongNumbers(Host& host) {
   Table& table = host.points.table;
   constexpr int kLongest = sizeof(HostPoint::pt_no) - 1;
-  if (host.pt_no < 0 || table.columns()[static_cast<std::size_t>(host.pt_no)].width <= kLongest) return {};
+  if (!table.IsOpen() || host.pt_no < 0 || table.columns()[static_cast<std::size_t>(host.pt_no)].width <= kLongest)
+    return {};
   std::int32_t left_out = 0;
   for (std::int32_t i = 1; i <= table.count(); ++i) {
     std::string_view record;

@@ -1,0 +1,43 @@
+// The commands that a person has in a dialog.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "korvo/console/dialog_view.h"
+#include "korvo/console/terminal.h"
+#include "toolkit/desktop.h"
+#include "toolkit/dialog.h"
+
+namespace korvo {
+
+/// What they are, in lines.
+const char* DialogHelp();
+
+class DialogCommands {
+ public:
+  DialogCommands(Terminal& terminal, toolkit::Dialog& dialog, DialogView& view, const platform::Clock& clock)
+      : terminal_(terminal), dialog_(dialog), view_(view), clock_(clock) {}
+
+  /// Carries out one command or says what is wrong with it.
+  void Do(std::string_view command);
+
+ private:
+  void Send(toolkit::ControlId id, const toolkit::Event& event);
+  void Set(toolkit::ControlId id, std::string_view value);
+  void Cancel();
+  void Choose(toolkit::ControlId id, std::string_view label);
+  void Tick(toolkit::ControlId id, std::string_view rest);
+  void SelectRow(toolkit::ControlId id, std::string_view row);
+  void SetDay(toolkit::ControlId id, std::string_view day);
+  void TurnPage(std::string_view rest);
+  void Press(std::string_view what);
+  void Show(std::string_view rest);
+
+  Terminal& terminal_;
+  toolkit::Dialog& dialog_;
+  DialogView& view_;
+  const platform::Clock& clock_;
+};
+
+}  // namespace korvo
