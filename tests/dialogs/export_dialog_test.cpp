@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -95,43 +94,18 @@ class ExportDialog : public testing::Test {
 };
 
 TEST_F(ExportDialog, ShowsItsFieldsInOrder) {
-  struct Field {
-    ControlId id;
-    Kind kind;
-    std::string label;
-    std::string text;
-  };
-  const Field kFields[] = {
-      {7000, Kind::kTickList, "", ""},
-      {7001, Kind::kText, "Filter:", ""},
-      {7007, Kind::kButton, "Filtern", ""},
-      {7002, Kind::kButton, "Alle an", ""},
-      {7003, Kind::kButton, "Alle aus", ""},
-      {7010, Kind::kText, "", "0 von 4"},
-      {7004, Kind::kText, "Antragsnummer:", "?"},
-      {7005, Kind::kText, "Auftragsnummer:", "?"},
-      {7006, Kind::kChoice, "Bundesland", ""},
-      {7013, Kind::kText, "Koordinatenstatus ( KST ) ", "?"},
-      {7014, Kind::kText, "Datenerhebung ( DES ) ", "?"},
-      {7015, Kind::kText, "Genauigkeitsstufe ( GST ) ", "?"},
-      {7016, Kind::kText, "Dienststelle schlüssel ( ZST ) "_ansi, "?"},
-      {1, Kind::kButton, "Ausgeben und Ende", ""},
-      {2, Kind::kButton, "Abbruch", ""},
-  };
   Open([&](Dialog& dialog) {
-    EXPECT_EQ(dialog.number(), 7000);
-    EXPECT_EQ(dialog.title(), "Vermessungspunkte Exportieren");
-    ASSERT_EQ(dialog.controls().size(), std::size(kFields));
-    for (std::size_t i = 0; i < std::size(kFields); ++i) {
-      const toolkit::Control& control = *dialog.controls()[i];
-      EXPECT_EQ(control.id(), kFields[i].id);
-      EXPECT_EQ(control.kind(), kFields[i].kind) << control.id();
-      EXPECT_EQ(control.label(), kFields[i].label);
-      EXPECT_EQ(control.group, control.id() >= kKst ? "Standardwerte" : "") << control.id();
-      if (control.kind() == Kind::kText) {
-        EXPECT_EQ(Text(dialog, control.id()), kFields[i].text);
-      }
+    std::string shown;
+    for (const toolkit::Control* control : dialog.controls()) {
+      shown += std::to_string(control->id()) + control->label();
+      if (control->kind() == Kind::kText) shown += "[" + Text(dialog, control->id()) + "]";
+      shown += "|";
     }
+    EXPECT_EQ(
+        shown,
+        "7000|7001Filter:[]|7007Filtern|7002Alle an|7003Alle aus|7010[0 von 4]|7004Antragsnummer:[?]|"
+        "7005Auftragsnummer:[?]|7006Bundesland|7013Koordinatenstatus ( KST ) [?]|7014Datenerhebung ( DES ) [?]|"
+        "7015Genauigkeitsstufe ( GST ) [?]|7016Dienststelle schlüssel ( ZST ) [?]|1Ausgeben und Ende|2Abbruch|"_ansi);
     EXPECT_EQ(dialog.Handle(Typed{kCount, "x"}), toolkit::Answer::kReadOnly);
     dialog.Handle(Pressed{toolkit::kCancel});
     EXPECT_FALSE(dialog.IsOpen());

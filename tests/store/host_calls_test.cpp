@@ -1,5 +1,4 @@
-// The host relies on the order in which its operations are called. Each of them is written down here on its way to the
-// stand-in.
+// The host relies on the order in which its operations are called: each is noted here on its way to the stand-in.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -16,69 +15,42 @@ namespace {
 std::string calls;
 std::map<void*, std::string> columns;
 
+void Note(const std::string& call) { calls += call + " "; }
+
 template <typename Operation>
 Operation* Real(Operation*, const char* name) {
   return reinterpret_cast<Operation*>(dlsym(RTLD_NEXT, name));
 }
-#define REAL(operation) Real(&operation, #operation)
-
-void Note(const std::string& call) { calls += call + " "; }
 
 }  // namespace
 
-void vm_dbk_nxk_select(HostTable* table) {
-  Note("nxk");
-  REAL(vm_dbk_nxk_select)(table);
-}
-void d4select(void* data) {
-  Note("d4select");
-  REAL(d4select)(data);
-}
-void db_i_select(void* index) {
-  Note("db_i_select");
-  REAL(db_i_select)(index);
-}
-std::int32_t d4reccount(void) {
-  Note("count");
-  return REAL(d4reccount)();
-}
-void vm_koor_clear(HostPoint* point) {
-  Note("clear");
-  REAL(vm_koor_clear)(point);
-}
-void vm_dbk_read(HostTable* table, HostPoint* point, std::int32_t number, std::int32_t* error) {
-  Note("read" + std::to_string(number));
-  REAL(vm_dbk_read)(table, point, number, error);
-}
-void d4go(std::int32_t number) {
-  Note("go" + std::to_string(number));
-  REAL(d4go)(number);
-}
+#define REAL(operation) Real(&operation, #operation)
+#define NOTED(result, operation, parameters, arguments, note) \
+  result operation parameters {                               \
+    Note(note);                                               \
+    return REAL(operation) arguments;                         \
+  }
+
+NOTED(void, vm_dbk_nxk_select, (HostTable * table), (table), "nxk")
+NOTED(void, d4select, (void* data), (data), "d4select")
+NOTED(void, db_i_select, (void* index), (index), "db_i_select")
+NOTED(std::int32_t, d4reccount, (), (), "count")
+NOTED(void, vm_koor_clear, (HostPoint * point), (point), "clear")
+NOTED(void, vm_dbk_read, (HostTable * table, HostPoint* point, std::int32_t number, std::int32_t* error),
+      (table, point, number, error), "read" + std::to_string(number))
+NOTED(void, d4go, (std::int32_t number), (number), "go" + std::to_string(number))
+NOTED(const char*, f4str, (void* column), (column), columns[column])
+NOTED(double, f4double, (void* column), (column), "#" + columns[column])
+NOTED(void, f4r_str, (void* column, const char* text), (column, text), columns[column] + "='" + text + "'")
+NOTED(void, f4r_double, (void* column, double value), (column, value),
+      columns[column] + "=" + std::to_string(static_cast<int>(value)))
+NOTED(void, db_write, (std::int32_t number), (number), "write" + std::to_string(number))
+
 void* f4ref(const char* name) {
+  Note(name);
   void* column = REAL(f4ref)(name);
   if (column != nullptr) columns[column] = name;
-  Note(name);
   return column;
-}
-const char* f4str(void* column) {
-  Note(columns[column]);
-  return REAL(f4str)(column);
-}
-double f4double(void* column) {
-  Note("#" + columns[column]);
-  return REAL(f4double)(column);
-}
-void f4r_str(void* column, const char* text) {
-  Note(columns[column] + "='" + text + "'");
-  REAL(f4r_str)(column, text);
-}
-void f4r_double(void* column, double value) {
-  Note(columns[column] + "=" + std::to_string(static_cast<int>(value)));
-  REAL(f4r_double)(column, value);
-}
-void db_write(std::int32_t number) {
-  Note("write" + std::to_string(number));
-  REAL(db_write)(number);
 }
 
 namespace pktaus {
