@@ -49,12 +49,6 @@ bool Fail(DbfFault* why, DbfFault fault) {
 // The records of a file, block by block.
 class RecordBlocks {
  public:
-  enum End {
-    kNoRecord,  ///< the byte there begins no record, or the file ends
-    kCut,       ///< the file ends inside the record there
-    kFailed,    ///< it could not be read
-  };
-
   RecordBlocks(platform::File* file, std::uint64_t offset, std::size_t record_size)
       : file_(file),
         offset_(offset),
@@ -62,7 +56,8 @@ class RecordBlocks {
         // Stays in the processor's cache, and is more than the saver puts into its own buffer.
         buffer_(std::max<std::size_t>(1, 128 * 1024 / record_size) * record_size, '\0') {}
 
-  /// Whole records with their flag bytes, deleted ones among them. False where there are no more, and end() tells why.
+  /// Whole records with their flag bytes, deleted ones among them. False where there are no more, and fault() tells
+  /// why.
   bool Next(std::string_view* records) {
     if (ended_) return false;
     const std::int64_t read = file_->ReadAt(buffer_.data(), buffer_.size(), offset_);
@@ -72,9 +67,9 @@ class RecordBlocks {
     while (size - whole >= step_ && is_record()) whole += step_;
     ended_ = whole < buffer_.size();
     if (read < 0) {
-      end_ = kFailed;
+      fault_ = DbfFault::kNotRead;
     } else if (size - whole < step_ && size > whole && is_record()) {
-      end_ = kCut;
+      fault_ = DbfFault::kRecordCut;
     }
     offset_ += whole;
     *records = std::string_view(buffer_.data(), whole);
@@ -83,7 +78,8 @@ class RecordBlocks {
 
   /// Of the first byte behind the records given so far.
   std::uint64_t offset() const { return offset_; }
-  End end() const { return end_; }
+  /// kNone where the byte there begins no record or the file ends; kRecordCut, kNotRead.
+  DbfFault::Kind fault() const { return fault_; }
 
  private:
   platform::File* file_;
@@ -91,21 +87,19 @@ class RecordBlocks {
   std::size_t step_;
   std::string buffer_;
   bool ended_ = false;
-  End end_ = kNoRecord;
+  DbfFault::Kind fault_ = DbfFault::kNone;
 };
 
-// Whether nothing but end marks and zero bytes stands from there on. A failure to read is told in `why`.
-bool IsBlankFrom(platform::File* file, std::uint64_t offset, DbfFault* why) {
+// kNone where nothing but end marks and zero bytes stands from there on, kRecordFlag or kNotRead otherwise.
+DbfFault::Kind WhatFollows(platform::File* file, std::uint64_t offset) {
   constexpr std::string_view kNothing("\x1A\0", 2);
   std::string buffer(64 * 1024, '\0');
   for (;;) {
     const std::int64_t read = file->ReadAt(buffer.data(), buffer.size(), offset);
-    if (read < 0) {
-      return Fail(why, {.kind = DbfFault::kNotRead, .offset = offset, .system_error = platform::LastSystemError()});
-    }
+    if (read < 0) return DbfFault::kNotRead;
     const std::string_view bytes(buffer.data(), static_cast<std::size_t>(read));
-    if (bytes.find_first_not_of(kNothing) != std::string_view::npos) return false;
-    if (bytes.size() < buffer.size()) return true;
+    if (bytes.find_first_not_of(kNothing) != std::string_view::npos) return DbfFault::kRecordFlag;
+    if (bytes.size() < buffer.size()) return DbfFault::kNone;
     offset += bytes.size();
   }
 }
@@ -181,23 +175,12 @@ bool CDbfTable::FindRecords(std::uint32_t counted, DbfFault* why) {
     for (std::size_t at = 0; at < block.size(); at += step) live += block[at] == kLive ? 1 : 0;
     seen += static_cast<std::int64_t>(block.size() / step);
   }
-  const std::int64_t next = seen + 1;
-  switch (blocks.end()) {
-    case RecordBlocks::kFailed:
-      return Fail(why, {.kind = DbfFault::kNotRead,
-                        .offset = blocks.offset(),
-                        .record = next,
-                        .system_error = platform::LastSystemError()});
-    case RecordBlocks::kCut:
-      return Fail(why, {.kind = DbfFault::kRecordCut, .offset = blocks.offset(), .record = next});
-    case RecordBlocks::kNoRecord:
-      break;
-  }
+  DbfFault::Kind fault = blocks.fault();
   // Behind the last record may stand anything, but not while the header knows of more records: they may be there.
-  if (seen < counted && !IsBlankFrom(&source_, blocks.offset(), why)) {
-    if (why->kind == DbfFault::kUnknown) *why = {.kind = DbfFault::kRecordFlag, .offset = blocks.offset()};
-    why->record = next;
-    return false;
+  if (fault == DbfFault::kNone && seen < counted) fault = WhatFollows(&source_, blocks.offset());
+  if (fault != DbfFault::kNone) {
+    const int error = fault == DbfFault::kNotRead ? platform::LastSystemError() : 0;
+    return Fail(why, {.kind = fault, .offset = blocks.offset(), .record = seen + 1, .system_error = error});
   }
   if (live > std::numeric_limits<std::int32_t>::max()) return Fail(why, {DbfFault::kTooManyRecords, blocks.offset()});
   record_count_ = static_cast<std::int32_t>(live);
@@ -300,7 +283,7 @@ bool CDbfTable::WriteRecords(platform::FileSaver* saver) {
     live += static_cast<std::int64_t>(size / new_size);
     saver->Write(wide.data(), size);
   }
-  return blocks.end() == RecordBlocks::kNoRecord && live == record_count_;
+  return blocks.fault() == DbfFault::kNone && live == record_count_;
 }
 
 }  // namespace pktaus
