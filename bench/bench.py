@@ -10,7 +10,7 @@ import statistics
 import sys
 import tempfile
 
-from make_inputs import make
+from make_inputs import make, reserved
 
 
 class Run:
@@ -175,6 +175,25 @@ def row_ini(bench):
     growth("ini, 1 to 10 MB", bench.ours("ini", bench.input("1.ini"), out), mine, 11, 15)
 
 
+def row_catalog(bench):
+    data = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data")
+    shipped = max((os.path.join(data, name) for name in os.listdir(data) if name.endswith(".ini")), key=os.path.getsize)
+    against("largest shipped catalogue, CPU to GKeyFile", bench.ours("catalog", shipped), bench.peer("glib", shipped), 1.5,
+            45)
+    growth("catalogue, 100,000 to 1,000,000 values", bench.ours("catalog", bench.input("100k.cat")),
+           bench.ours("catalog", bench.input("1m.cat")), 12, 7)
+
+
+def row_reserved(bench):
+    folder = bench.path("reserved")
+    reserved(folder, 1000, 1000)
+    files = [os.path.join(folder, name) for name in os.listdir(folder)]
+    # Into a file: grep stops at the first hit where its output leads nowhere.
+    found = bench.path("found.txt")
+    grep = ["sh", "-c", f'exec grep -h reservierteNummern "$@" > {found}', "sh", *files]
+    against("reserved numbers of 1,000 files, CPU to grep", bench.ours("reserved", folder), lambda: Run(grep), 3.0, 9)
+
+
 def row_lookup(bench):
     runs = [bench.ours("lookup", bench.input("extended.dbf"), bench.input("names.txt"))() for _ in range(3)]
     row("point_read of 1,000 numbers among 1,000,000", None, None, f"{seconds(runs):.3f} s")
@@ -191,8 +210,8 @@ def row_exportdialog(bench):
 
 
 ROWS = {"xml": row_xml, "xml-lf": row_xml_lf, "xml-names": row_xml_names, "xml-values": row_xml_values,
-        "dbf-first": row_dbf_first, "dbf-later": row_dbf_later, "batch": row_batch, "ini": row_ini, "lookup": row_lookup,
-        "walk": row_walk, "exportdialog": row_exportdialog}
+        "dbf-first": row_dbf_first, "dbf-later": row_dbf_later, "batch": row_batch, "ini": row_ini, "catalog": row_catalog,
+        "reserved": row_reserved, "lookup": row_lookup, "walk": row_walk, "exportdialog": row_exportdialog}
 
 
 def main():

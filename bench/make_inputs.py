@@ -169,6 +169,25 @@ def names(file, records):
         file.write(b"%d\n" % (100001 + (n * 7919 * 131) % records))
 
 
+def catalogue(file, values):
+    """A value list of that many values and an object type that names it."""
+    file.write(b"[GLOBAL]\r\nHEADER = \"16.XML\"\r\n[T_Marke]\r\n")
+    file.writelines(b"\"%d\" = \"Marke der Form %d\"\r\n" % (n, n) for n in range(values))
+    file.write(b"[AX_Grenzpunkt]\r\nabmarkung_Marke = \"Marke\"\r\n")
+
+
+def reserved(folder, files, numbers):
+    """Answers to reservations: one application, a number a line."""
+    os.makedirs(folder)
+    for n in range(files):
+        with open(os.path.join(folder, f"{n:04d}.xml"), "wb") as file:
+            file.write(b"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<AX_Reservierung>\r\n"
+                       b"  <antragsnummer>2026-0042</antragsnummer>\r\n")
+            file.writelines(b"  <reservierteNummern>32650565%07d</reservierteNummern>\r\n" % (n * numbers + i)
+                            for i in range(numbers))
+            file.write(b"</AX_Reservierung>\r\n")
+
+
 def template(file):
     file.write(lines(ROOT + END, "\r\n"))
 
@@ -182,6 +201,8 @@ INPUTS = {
     "template.xml": template,
     "1.ini": lambda file: ini(file, 1000000),
     "10.ini": lambda file: ini(file, 10000000),
+    "100k.cat": lambda file: catalogue(file, 100000),
+    "1m.cat": lambda file: catalogue(file, 1000000),
     "plain.dbf": lambda file: dbf(file, 1000000),
     "extended.dbf": lambda file: dbf(file, 1000000, True),
     "10k.dbf": lambda file: dbf(file, 10000, True),

@@ -23,6 +23,8 @@ const Work kWork[] = {
     {"dbf", "FILE", 1, [](char** a) { return BenchDbf ? BenchDbf(a[0]) : 2; }},
     {"lookup", "TABLE NAMES", 2, [](char** a) { return BenchLookup ? BenchLookup(a[0], a[1]) : 2; }},
     {"batch", "TEMPLATE M OUT", 3, [](char** a) { return BenchBatch ? BenchBatch(a[0], std::atol(a[1]), a[2]) : 2; }},
+    {"catalog", "FILE", 1, [](char** a) { return BenchCatalog ? BenchCatalog(a[0]) : 2; }},
+    {"reserved", "FOLDER", 1, [](char** a) { return BenchReserved ? BenchReserved(a[0]) : 2; }},
     {"walk", "TABLE", 1, [](char** a) { return BenchWalk ? BenchWalk(a[0]) : 2; }},
     {"exportdialog", "TABLE", 1, [](char** a) { return BenchExportDialog ? BenchExportDialog(a[0]) : 2; }},
 };

@@ -26,6 +26,8 @@ class Phases {
 [[gnu::weak]] int BenchDbf(const char* file);                                  ///< schema_extend
 [[gnu::weak]] int BenchLookup(const char* table, const char* names);           ///< point_read for each line of a file
 [[gnu::weak]] int BenchBatch(const char* tmpl, long points, const char* out);  ///< WriteBatchFile
+[[gnu::weak]] int BenchCatalog(const char* file);                              ///< load of a catalogue
+[[gnu::weak]] int BenchReserved(const char* folder);                           ///< ReadReservedNumbers
 [[gnu::weak]] int BenchWalk(const char* table);                                ///< point_read_at over all records
 [[gnu::weak]] int BenchExportDialog(const char* table);                        ///< open, tick all, choose
 
