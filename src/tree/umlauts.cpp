@@ -25,7 +25,7 @@ std::size_t Utf8ToAnsi(std::string_view text, char* out) {
       continue;
     }
     const char letter = static_cast<char>(static_cast<unsigned char>(from[1]) + 0x40);
-    if (SecondByteOf(letter) == from[1]) {
+    if (from[1] != '\0' && SecondByteOf(letter) == from[1]) {
       *to++ = letter;
     } else {
       const char second = from[1];

@@ -1,0 +1,400 @@
+// Whole small worlds of texts, and broken documents of the usual kind, through the real readers and writers and through
+// the naive ones. PKTAUS_ORACLE=1 in the environment makes each world one step longer.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdio>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/temp_folder.h"
+#include "tests/tree_oracle/reference_xml.h"
+#include "tree/document.h"
+#include "tree/name_table.h"
+#include "tree/staging.h"
+#include "tree/text_stream.h"
+
+namespace {
+
+const std::string kNul(1, '\0');
+
+using pktaus::CTreeDocument;
+using pktaus::CTreeNode;
+using pktaus::TextStream;
+
+std::string Legible(std::string_view bytes) {
+  std::string out;
+  for (const char c : bytes) {
+    char code[8];
+    std::snprintf(code, sizeof(code), c >= ' ' && c < 127 ? "%c" : "\\x%02X", static_cast<unsigned char>(c));
+    out += code;
+  }
+  return out;
+}
+
+// Everything that a tree holds, as a text. Lengths keep texts apart whatever is in them.
+void DumpText(char what, std::string_view text, std::string* out) {
+  *out += what + std::to_string(text.size()) + ":";
+  *out += text;
+}
+
+void Dump(const reference::Node* node, std::string* out) {
+  if (node == nullptr) return;
+  *out += "(" + std::to_string(node->kind);
+  DumpText('n', node->name, out);
+  DumpText('v', node->value, out);
+  for (const auto& [name, value] : node->attributes) {
+    DumpText('a', name, out);
+    DumpText('=', value, out);
+  }
+  for (const auto& child : node->children) Dump(child.get(), out);
+  *out += ")";
+}
+
+void Dump(const CTreeNode* node, std::string* out) {
+  if (node == nullptr) return;
+  *out += "(" + std::to_string(dynamic_cast<const pktaus::CTreeHeaderNode*>(node)   ? reference::Node::kHeader
+                               : dynamic_cast<const pktaus::CTreeMarkupNode*>(node) ? reference::Node::kMarkup
+                                                                                    : reference::Node::kElement);
+  DumpText('n', node->GetName(), out);
+  DumpText('v', node->GetValue(), out);
+  for (const auto* attribute = node->GetFirstAttribute(); attribute != nullptr; attribute = attribute->next) {
+    DumpText('a', node->GetDocument()->NameOf(attribute->name), out);
+    DumpText('=', attribute->value, out);
+  }
+  for (const CTreeNode* child = node->GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
+    Dump(child, out);
+  }
+  *out += ")";
+}
+
+template <typename Header, typename Root>
+std::string Tree(const Header& header, const Root& root) {
+  std::string out = "header";
+  Dump(header, &out);
+  out += "root";
+  Dump(root, &out);
+  return out;
+}
+
+std::string Tree(const CTreeDocument& document) { return Tree(document.GetHeader(), document.GetRoot()); }
+std::string Tree(const reference::Document& document) { return Tree(document.header.get(), document.root.get()); }
+
+std::string SavedXml(const CTreeDocument& document) {
+  std::string out;
+  TextStream stream;
+  stream.CreateText(&out);
+  document.WriteXml(&stream);
+  stream.Close();
+  return out;
+}
+
+void ReadXml(std::string_view bytes, CTreeDocument* document) {
+  TextStream stream;
+  stream.OpenText(bytes);
+  document->ReadXml(&stream);
+}
+
+// Whether markup comes back as it is written: a comment without an end mark inside, a section whose brackets pair. The
+// reader also keeps "<!x>...</x>" with any name, which is written without its tags; and it takes "<!/-->...</-->" for a
+// comment and "<!/[>...</[>" for a section, whatever stands inside.
+bool MarkupComesBack(const reference::Node& node) {
+  if (node.name == "--") {
+    const std::string written = node.value + "-->";
+    for (const char* mark : {"/>", "?>", "-->"}) {
+      if (written.find(mark) < node.value.size()) return false;
+    }
+    return true;
+  }
+  int depth = 1;
+  for (const char c : node.value) {
+    depth += c == '[' ? 1 : c == ']' ? -1 : 0;
+    if (depth == 0) return false;
+  }
+  return node.name == "[" && depth == 1;
+}
+
+// Whether a second save must equal the first: markup that comes back, and no attribute whose name took in a blank, tab,
+// LF, "=" or ">" from between quotes, as names are written without quotes.
+bool SecondSaveEqual(const reference::Node& node) {
+  if (node.kind == reference::Node::kMarkup) return MarkupComesBack(node);
+  for (const auto& [name, value] : node.attributes) {
+    if (name.find_first_of(" \t\n=>") != std::string::npos) return false;
+  }
+  for (const auto& child : node.children) {
+    if (!SecondSaveEqual(*child)) return false;
+  }
+  return true;
+}
+
+// Compares text by text. The documents are used again, as a load replaces all that they held but the names.
+struct Oracle {
+  int texts = 0;
+  int trees = 0;
+  int exceptions = 0;  // of the law of the second save
+  int differences = 0;
+  CTreeDocument document;
+  CTreeDocument again;
+
+  void Differs(const char* what, std::string_view bytes, const std::string& is, const std::string& should) {
+    if (is == should) return;
+    ++differences;
+    ADD_FAILURE() << what << " of " << Legible(bytes) << "\n  is     " << Legible(is) << "\n  should "
+                  << Legible(should);
+  }
+
+  void Xml(const std::string& bytes) {
+    if (differences > 5) return;
+    ++texts;
+    const reference::Document expected = reference::ReadXml(bytes);
+    ReadXml(bytes, &document);
+    Differs("tree", bytes, Tree(document), Tree(expected));
+    if (!expected.header && !expected.root) return;
+    ++trees;
+    const std::string saved = SavedXml(document);
+    Differs("save", bytes, saved, reference::WriteXml(expected));
+    if (expected.root && !SecondSaveEqual(*expected.root)) {
+      ++exceptions;
+      return;
+    }
+    ReadXml(saved, &again);
+    Differs("second save", bytes, SavedXml(again), saved);
+  }
+
+  void Ini(const std::string& bytes) {
+    for (const bool free_keys : {false, true}) {
+      if (differences > 5) return;
+      ++texts;
+      TextStream in;
+      in.OpenText(bytes);
+      document.ReadIni(&in, free_keys);
+      std::string saved;
+      TextStream out;
+      out.CreateText(&saved);
+      document.WriteIni(&out);
+      out.Close();
+      const reference::Document expected = reference::ReadIni(bytes, free_keys);
+      Differs("tree", bytes, Tree(document), Tree(expected));
+      Differs("save", bytes, saved, reference::WriteIni(expected));
+    }
+  }
+};
+
+/// All texts of up to `most` tokens, put into the frame at each '%'.
+struct World {
+  const char* name;
+  std::vector<std::string> tokens;
+  int most;
+  std::string frame;
+};
+
+template <typename Check>
+void ForEach(const World& world, int most, const std::string& text, const Check& check) {
+  std::string bytes;
+  for (const char c : world.frame) bytes += c == '%' ? text : std::string(1, c);
+  check(bytes);
+  if (most == 0) return;
+  for (const std::string& token : world.tokens) ForEach(world, most - 1, text + token, check);
+}
+
+int Longer() { return getenv("PKTAUS_ORACLE") != nullptr ? 1 : 0; }
+
+void CheckWorlds(const std::vector<World>& worlds, void (Oracle::*check)(const std::string&)) {
+  for (const World& world : worlds) {
+    SCOPED_TRACE(world.name);
+    Oracle oracle;
+    ForEach(world, world.most + Longer(), "", [&](const std::string& bytes) { (oracle.*check)(bytes); });
+    std::printf("%-24s %8d texts %8d trees, %d may change in a second save\n", world.name, oracle.texts, oracle.trees,
+                oracle.exceptions);
+  }
+}
+
+TEST(AgainstReference, SmallXmlWorlds) {
+  CheckWorlds(
+      {
+          {"characters", {"<", ">", "/", "a", "\"", "!", "-", " "}, 6, "%"},
+          {"elements", {"<a>", "</a>", "<b>", "</b>", "<a/>", "x", " "}, 6, "<a>%</a>"},
+          {"elements without a frame", {"<a>", "</a>", "<b>", "</b>", "<", "</", "\n"}, 5, "%"},
+          {"broken tags", {"<a", "</a>", "</b>", ">", "<b>", "\"", "/>"}, 5, "<b>%</b>"},
+          {"markup", {"<!--", "-->", "<![", "[", "]", ">", "/>", "x", "<a>", "</a>"}, 5, "<a>%</a>"},
+          {"markup tags", {"<!", "<!/", "</", "a", "--", "[", ">", "/", " "}, 5, "<r>%</r>"},
+          {"marks inside markup", {"<!/-->", "</-->", "<!/[>", "</[>", "-", "]", "[", "?>", "<!--"}, 4, "<r>%</r>"},
+          {"attributes", {" ", "b", "c", "=", "\"", "/", ">", "<"}, 5, "<a %>x</a>"},
+          {"names", {" ", "\t", "\n", "\r", "a:", "=", "/", "'", "?", kNul}, 4, "<r><%a%>x</%a%></r>"},
+          {"prolog",
+           {"<?", "?>", "<!DOCTYPE", "<!--", "-->", ">", " ", "x", "</DOCTYPE>", "<![", "\x80", "<"},
+           4,
+           "%<r/>"},
+          {"behind the prolog",
+           {"\xEF\xBB\xBF", "\n", "<!DOCTYPE a>", "<!a/>", "</a>", "<!--c-->", "</-->", "<?b?>", "]"},
+           5,
+           "<?h?>%<r>x</r>%"},
+          {"text",
+           {"\xC3", "\xA4", "\xE4", "\x84", "A", " ", "\r", "\n", kNul},
+           4,
+           "<?h%?><r %=\"%\">%<!--%--><![%]>%</r>"},
+          {"dropped",
+           {"<gmd:CI_ResponsibleParty>", "</gmd:CI_ResponsibleParty>", "<a>", "</a>", "x", "<!gmd:CI_ResponsibleParty>",
+            "<gmd:CI_ResponsibleParty/>"},
+           5,
+           "%"},
+      },
+      &Oracle::Xml);
+}
+
+const std::string kNas =
+    "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+    "<!DOCTYPE auftrag>\r\n<!-- Kopf -->\r\n"
+    "<AX_Auftrag xmlns=\"http://a/b/6.0\" xmlns:gml='g'  xsi:schemaLocation=\"a b.xsd\">\r\n"
+    "\t<antragsnummer/><auftragsnummer></auftragsnummer>\r\n"
+    "\t<empfaenger><gmd:CI_ResponsibleParty a=\"b\"><gmd:name>Stra\xC3\x9F"
+    "e</gmd:name></gmd:CI_ResponsibleParty></empfaenger>\r\n"
+    "\t<!-- M\xC3\xBCller -- x/y -->\r\n"
+    "\t<geaenderteObjekte><wfs:Transaction version=\"1.0.0\" service=\"WFS\">\r\n"
+    "\t\t<wfs:Insert><AX_Grenzpunkt gml:id=\"DEHE\">\r\n"
+    "\t\t\t<lebenszeitintervall><AA_Lebenszeitintervall><beginnt>2016-03-02T09:05:03Z</beginnt></"
+    "AA_Lebenszeitintervall>"
+    "</lebenszeitintervall>\r\n"
+    "\t\t\t<abmarkung_Marke>1110</abmarkung_Marke><gml:pos>32477000.123 5553000.456</gml:pos>\r\n"
+    "\t\t</AX_Grenzpunkt></wfs:Insert>\r\n"
+    "\t\t<wfs:Delete typeName=\"AX_PunktortTA\"><ogc:Filter/>\xC3\xA9 &amp; \xE4</wfs:Delete>\r\n"
+    "\t</wfs:Transaction></geaenderteObjekte>\r\n"
+    "\t<![CDATA[a[0]]]>text\r\n"
+    "</AX_Auftrag>\r\n";
+
+/// `number` documents, each kNas with one to three cuts, copies or insertions.
+std::vector<std::string> BrokenDocuments(int number) {
+  const std::string kBits[] = {"<",    ">",   "/",  "</", "/>", "\"", "=",   " ",    "<!--",          "-->",
+                               "<![",  "]>",  "<?", "?>", "\n", "\r", "<a>", "</a>", "</AX_Auftrag>", "\xC3",
+                               "\x80", "<!a>"};
+  std::mt19937 random(20160302);
+  const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
+  std::vector<std::string> documents = {kNas};
+  while (documents.size() < static_cast<std::size_t>(number)) {
+    std::string text = kNas;
+    for (std::size_t steps = 1 + below(3); steps > 0; --steps) {
+      const std::size_t at = below(text.size());
+      switch (below(4)) {
+        case 0:
+          text.erase(at, 1 + below(40));
+          break;
+        case 1:
+          text.insert(at, text.substr(below(text.size()), 1 + below(200)));
+          break;
+        case 2:
+          text.replace(at, 1, kBits[below(std::size(kBits))]);
+          break;
+        default:
+          text.insert(at, kBits[below(std::size(kBits))]);
+      }
+    }
+    documents.push_back(text);
+  }
+  return documents;
+}
+
+// Longer chains of tokens, where an element that failed is tried again behind others that failed.
+TEST(AgainstReference, ChainsOfTags) {
+  const std::vector<std::string> kBits = {"<a>",  "<a>", "</a>", "</a>", "<b>",  "</b>", "<a", "</", ">", "x",   "<",
+                                          "<!--", "-->", "<![",  "]>",   "<!a>", "<!b>", "/>", "\"", " ", "<b/>"};
+  std::mt19937 random(1);
+  Oracle oracle;
+  for (int i = 0; i < (Longer() ? 2000000 : 50000); ++i) {
+    const std::size_t kinds = 2 + random() % (kBits.size() - 1);
+    const std::size_t first = random() % kBits.size();
+    std::string text = "<a>";
+    for (std::size_t length = random() % 25; length > 0; --length) {
+      text += kBits[(first + random() % kinds) % kBits.size()];
+    }
+    oracle.Xml(text + "</a>");
+  }
+  std::printf("%d chains, %d trees, %d may change in a second save\n", oracle.texts, oracle.trees, oracle.exceptions);
+}
+
+TEST(AgainstReference, BrokenNasDocuments) {
+  Oracle oracle;
+  for (const std::string& text : BrokenDocuments(Longer() ? 200000 : 20000)) oracle.Xml(text);
+  std::printf("%d documents, %d trees, %d may change in a second save\n", oracle.texts, oracle.trees,
+              oracle.exceptions);
+}
+
+// The folder for temporary files, for a block.
+class TemporaryFiles : public support::TempFolder {
+ public:
+  TemporaryFiles() { setenv("TMPDIR", path().c_str(), 1); }
+  ~TemporaryFiles() { unsetenv("TMPDIR"); }
+};
+
+// The window on a file ends at any place of a text: within CR LF, within a mark, within what is read again.
+TEST(AgainstReference, FilesLongerThanTheWindow) {
+  const TemporaryFiles folder;
+  std::vector<std::string> documents = BrokenDocuments(30);
+  for (std::size_t i = 0; i < documents.size(); ++i) {
+    std::string bytes = "<R><r>";
+    while (bytes.size() < 256 * 1024 * (1 + i % 2) - i % 97 * 23)
+      bytes += i % 2 ? "<v>\xC3\xA4</v>\r\n" : "<v w=\"x\"/><!---->\n";
+    bytes += "</r>" + documents[i].substr(std::min<std::size_t>(documents[i].size(), 80)) + "</R>";
+    const std::string file = folder.Write("f.xml", bytes);
+    CTreeDocument document;
+    ASSERT_TRUE(document.LoadXml(file, false));
+    const reference::Document expected = reference::ReadXml(bytes);
+    ASSERT_TRUE(Tree(document) == Tree(expected)) << i << ": " << Legible(documents[i]);
+    ASSERT_EQ(document.GetPath(), reference::NeedsStaging(bytes, false) ? folder.File("f.xml.2Dos") : file);
+    ASSERT_EQ(document.SaveXml(file), 0);
+    ASSERT_TRUE(support::BytesOf(file) == reference::WriteXml(expected)) << i << ": " << Legible(documents[i]);
+  }
+}
+
+TEST(AgainstReference, Staging) {
+  const TemporaryFiles folder;
+  ForEach({"line ends", {"\r", "\n", "x", kNul}, 4, "%"}, 4, "", [&](const std::string& bytes) {
+    const std::string file = folder.Write("s.xml", bytes);
+    for (const bool scan_all : {false, true}) {
+      EXPECT_EQ(pktaus::NeedsStaging(file, scan_all), reference::NeedsStaging(bytes, scan_all)) << Legible(bytes);
+    }
+    ASSERT_EQ(pktaus::StageFile(file), folder.File("s.xml.2Dos"));
+    EXPECT_EQ(support::BytesOf(folder.File("s.xml.2Dos")), reference::Staged(bytes)) << Legible(bytes);
+  });
+}
+
+TEST(AgainstReference, SmallIniWorlds) {
+  CheckWorlds(
+      {
+          {"lines", {"[", "]", "a", "=", "\n", "#", "'", "\""}, 5, "%"},
+          {"lines of a section", {"[", "]", "a", "=", "\r\n", "#", "'", "\""}, 5, "[s]x\n%"},
+          {"values", {"'", "\"", "#", "a", " ", "\t", "\r", "\xE4"}, 5, "[s]\nk=%\n%=v"},
+          {"quoted values", {"'", "\"", "#", "=", " "}, 6, "[s]\nz\xFC = %"},
+      },
+      &Oracle::Ini);
+}
+
+// Lines come in pieces of 999 bytes within a section and of 1999 bytes outside of one.
+TEST(AgainstReference, LongIniLines) {
+  Oracle oracle;
+  for (const char* frame :
+       {"[s]\n%=v\nb=c", "[s]\na=%=c\nb=c", "[s]\na=%[t]\nb=c", "[%s]\nb=c", "x%[s]\nb=c", "x%\n[s]\nb=c"}) {
+    for (std::size_t size = 1; size<4100; size += size % 1000> 985 || size % 1000 < 15 ? 1 : 13) {
+      ForEach({"", {}, 0, frame}, 0, std::string(size, 'k'), [&](const std::string& bytes) { oracle.Ini(bytes); });
+    }
+  }
+}
+
+TEST(AgainstReference, NameIds) {
+  CTreeDocument document;
+  std::map<int, std::vector<std::string>> chains;
+  std::mt19937 random(7);
+  for (int i = 0; i < 40000; ++i) {
+    std::string name(random() % 8 == 0 ? random() % 1004 : random() % 4, '\0');
+    for (char& c : name) c = static_cast<char>(1 + random() % 127);
+    auto& chain = chains[reference::Bucket(name)];
+    const auto position = std::find(chain.begin(), chain.end(), name) - chain.begin();
+    if (position == std::ssize(chain)) chain.push_back(name);
+    const pktaus::NameId id = document.Intern(name);
+    ASSERT_EQ(id, position * 65536 + reference::Bucket(name)) << Legible(name);
+    ASSERT_EQ(document.NameOf(id), name);
+  }
+}
+
+}  // namespace
