@@ -2,8 +2,10 @@
 // accepted keeps every live record and every field, and a second run changes nothing.
 #include <stdlib.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -30,14 +32,18 @@ class UnsyncedFiles : public support::FaultyFiles {
   bool SyncFolder(const std::string&) override { return true; }
 };
 
-const std::string& TablePath() {
-  static const std::string path = [] {
-    char folder[] = "/tmp/pktaus_fuzz_XXXXXX";
-    Check(mkdtemp(folder) != nullptr, "a folder for the table");
-    return std::string(folder) + "/punkte.dbf";
-  }();
-  return path;
-}
+// A folder of its own for the table, gone at the end.
+class TableFolder {
+ public:
+  TableFolder() { Check(mkdtemp(folder_) != nullptr, "a folder for the table"); }
+  ~TableFolder() { std::filesystem::remove_all(folder_); }
+  TableFolder(const TableFolder&) = delete;
+  TableFolder& operator=(const TableFolder&) = delete;
+  std::string path() const { return std::string(folder_) + "/punkte.dbf"; }
+
+ private:
+  char folder_[26] = "/tmp/pktaus_fuzz_XXXXXX";
+};
 
 std::string Bytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -79,7 +85,8 @@ bool Extend(const std::string& path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const UnsyncedFiles files;
-  const std::string& path = TablePath();
+  static const TableFolder folder;
+  const std::string path = folder.path();
   const std::string before(reinterpret_cast<const char*>(data), size);
   std::ofstream(path, std::ios::binary) << before;
 
