@@ -23,7 +23,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 using toolkit::Answer;
 using toolkit::Kind;
 

@@ -7,7 +7,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 using toolkit::Kind;
 
 namespace {

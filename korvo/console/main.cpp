@@ -19,7 +19,7 @@
 namespace {
 
 using korvo::kExitNotStarted;
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 constexpr const char* kUsage =
     "Aufruf: korvo-console [Optionen] PROJEKT\n"

@@ -7,7 +7,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 namespace {
 
@@ -53,7 +53,7 @@ std::optional<std::string> Terminal::ReadLine(const std::string& prompt) {
   }
   if (++line_ == 1 && bytes.starts_with(kByteOrderMark)) bytes.erase(0, kByteOrderMark.size());
   if (!bytes.empty() && bytes.back() == '\r') bytes.pop_back();
-  const std::optional<std::string> line = text::FromUtf8(bytes);
+  std::optional<std::string> line = text::FromUtf8(bytes);
   if (!person_) Say(line ? *line : text::FromUtf8Lossy(bytes));
   if (line) return line;
   Refuse("Die Zeile enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252)."_ansi);

@@ -4,7 +4,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 const Menu* FindMenu(std::string_view name) {
   static const Menu kPoints = {"PKTAUMEN",

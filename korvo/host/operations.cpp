@@ -14,7 +14,7 @@
 
 using korvo::Host;
 using korvo::TheHost;
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 bool RunPlugin(const std::string& library_on_disk, std::string* why) {
   Host& host = TheHost();

@@ -12,7 +12,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 namespace {
 
@@ -76,7 +76,9 @@ bool FitsHost(const std::string& table, std::string* why) {
   return false;
 }
 
-void SetPath(TableSlot& slot, const std::string& path) { std::strcpy(slot.handle.path, path.c_str()); }
+void SetPath(TableSlot& slot, const std::string& path) {
+  slot.handle.path[path.copy(slot.handle.path, kMaxTablePath)] = '\0';
+}
 
 /// The other tables of a project stand beside the point table, under its name.
 bool HasCompanion(TableSlot& slot, const std::string& points, const char* extension) {

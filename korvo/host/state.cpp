@@ -8,7 +8,7 @@
 
 namespace korvo {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 namespace {
 
@@ -20,8 +20,8 @@ void WriteReadingOrder(const Host& host) {
   platform::DeleteIfThere(derived);
   platform::File file;
   if (!file.Open(derived, platform::OpenMode::kCreateNew)) return;
-  const std::string order = std::string("Korvo Leseordnung\r\nSpalte PT_NO\r\nSätze "_ansi) +
-                            std::to_string(host.points.table.count()) + "\r\n";
+  std::string order = "Korvo Leseordnung\r\nSpalte PT_NO\r\nSätze "_ansi;
+  order += std::to_string(host.points.table.count()) + "\r\n";
   file.Write(order.data(), order.size());
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-using text::literals::operator""_ansi;
+using namespace text::literals;
 
 class EverythingDlg : public toolkit::Dialog {
  public:
