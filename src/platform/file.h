@@ -15,6 +15,7 @@ enum class OpenMode {
   kCreateNew,      ///< new file, read and write; fails where the name exists, a link included
   kCreatePrivate,  ///< the same, for the eyes of its owner alone
   kLockFile,       ///< read and write, made where it does not exist; never cut
+  kAppend,         ///< written at the end, made where it does not exist; fails where the name is a link
 };
 
 /// Facts about what stands at a path. `kind_file` is false for folders, devices and pipes.

@@ -102,6 +102,6 @@ void f4r_double(void* column, double value);
 void db_write(std::int32_t number);
 
 /// The library's one entry. `state` leads to the pointer that V2_VAR holds too. Gives 0 always.
-std::int32_t pkt_aus(HostState** state);
+[[gnu::visibility("default")]] std::int32_t pkt_aus(HostState** state);
 
 }  // extern "C"
