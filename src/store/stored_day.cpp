@@ -20,15 +20,11 @@ std::int32_t StoredDay(std::int32_t seconds) {
 
 std::int32_t SecondsOfStoredDay(std::int32_t stored) {
   if (stored <= kLastNoDate) return stored;
-  platform::CivilTime day{.year = stored / 10000, .month = stored / 100 % 100, .day = stored % 100};
+  const platform::CivilTime day{.year = stored / 10000, .month = stored / 100 % 100, .day = stored % 100};
   std::int64_t seconds = 0;
-  bool known = platform::CurrentClock().FromLocal(day, &seconds);
-  if (!known) {
-    day.hour = 1;  // some zones put their clocks forward at midnight
-    known = platform::CurrentClock().FromLocal(day, &seconds);
-  }
+  if (!platform::CurrentClock().FromLocal(day, &seconds)) return stored;
   using Limits = std::numeric_limits<std::int32_t>;
-  if (!known || seconds < Limits::min() || seconds > Limits::max()) return stored;
+  if (seconds < Limits::min() || seconds > Limits::max()) return stored;
   return static_cast<std::int32_t>(seconds);
 }
 

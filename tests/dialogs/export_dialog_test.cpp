@@ -71,7 +71,7 @@ class ExportDialog : public testing::Test {
     table.Add({{"PT_NO", "2"}, {"EAST", "650002.0000"}, {"NORTH", "5651002.0000"}}, /*deleted=*/true);
     table.Add({{"PT_NO", "G 123"}, {"EAST", "650123.0006"}, {"NORTH", "5651123.0000"}});
     table.Add({{"PT_NO", "10"}, {"EAST", "650099.0000"}, {"NORTH", "5651099.0000"}});
-    table.Add({{"PT_NO", "G4a"}, {"EAST", "650004.0000"}, {"NORTH", "5651004.0000"}});
+    table.Add({{"PT_NO", " G4a"}, {"EAST", "650004.0000"}, {"NORTH", "5651004.0000"}});
     table.Add({{"PT_NO", "99"}}, /*deleted=*/true);
     project_.emplace(std::move(table));
     columns_bind();
@@ -131,11 +131,11 @@ TEST_F(ExportDialog, OffersTheStatesThatHaveATemplate) {
 
 TEST_F(ExportDialog, FiltersByTheTrimmedNumber) {
   const std::pair<const char*, Texts> kCases[] = {
-      {"", {"10", "G 123", "10", "G4a"}},
+      {"", {"10", "G 123", "10", " G4a"}},
       {"1", {"10", "G 123", "10"}},
       {"23", {"G 123"}},
-      {" 10", {}},
-      {"G", {"G 123", "G4a"}},
+      {" G", {}},
+      {"G", {"G 123", " G4a"}},
       {"g", {}},
   };
   Open([&](Dialog& dialog) {
@@ -171,7 +171,9 @@ TEST_F(ExportDialog, CountsTicks) {
 
 TEST_F(ExportDialog, WritesTheTickedPointsInTheOrderOfTheList) {
   desktop_.paths = {OutPath()};
+  plugin_.Write("09Aue.XML", kTemplate);
   Open([&](Dialog& dialog) {
+    dialog.Handle(toolkit::EntrySelected{kLand, 1});
     dialog.Handle(Pressed{kAllOn});
     dialog.Handle(Typed{7004, "A 1"});
     dialog.Handle(Typed{7005, "B 2"});
@@ -192,7 +194,8 @@ TEST_F(ExportDialog, WritesTheTickedPointsInTheOrderOfTheList) {
   EXPECT_EQ(desktop_.picks[0].filters[0].pattern, "*.XML");
 
   const std::string xml = Output();
-  EXPECT_EQ(Values(xml, "punktkennung"), (Texts{"10", "G 123", "G4a"})) << "the number that stands twice goes out once";
+  EXPECT_EQ(Values(xml, "punktkennung"), (Texts{"10", "G 123", " G4a"}))
+      << "the number that stands twice goes out once";
   EXPECT_EQ(Values(xml, "gml:pos"),
             (Texts{"650010.100 5651010.000", "650123.001 5651123.000", "650004.000 5651004.000"}));
   EXPECT_EQ(Values(xml, "antragsnummer"), Texts{"A 1"});
@@ -207,7 +210,8 @@ TEST_F(ExportDialog, WritesTheTickedPointsInTheOrderOfTheList) {
 TEST_F(ExportDialog, GoesOnBehindACancelledPickerAndAFailure) {
   desktop_.paths = {std::nullopt, plugin_.File("no such folder/out.xml"), OutPath()};
   Open([&](Dialog& dialog) {
-    dialog.Handle(RowTicked{kList, 0, true});
+    dialog.Handle(RowTicked{kList, 1, true});
+    dialog.Handle(RowTicked{kList, 3, true});
     dialog.Handle(Typed{kKst, "first"});
     dialog.Handle(Typed{kGst, ""});
     dialog.Handle(Pressed{toolkit::kOk});
@@ -216,15 +220,17 @@ TEST_F(ExportDialog, GoesOnBehindACancelledPickerAndAFailure) {
     ASSERT_EQ(desktop_.boxes.size(), 1U);
     EXPECT_TRUE(desktop_.boxes[0].text.starts_with("Fehler: Datei '"));
     EXPECT_TRUE(dialog.IsOpen());
-    EXPECT_EQ(Text(dialog, kCount), "1 von 4");
+    EXPECT_EQ(Text(dialog, kCount), "2 von 4");
 
-    dialog.Handle(RowTicked{kList, 1, true});
+    dialog.Handle(RowTicked{kList, 0, true});
+    dialog.Handle(RowTicked{kList, 3, false});
     dialog.Handle(Typed{kKst, "second"});
     dialog.Handle(Typed{kGst, "late"});
     dialog.Handle(Pressed{toolkit::kOk});
     EXPECT_FALSE(dialog.IsOpen());
   });
-  EXPECT_EQ(Values(Output(), "koordinatenstatus"), (Texts{"first", "second"})) << "a row keeps what it was given";
+  EXPECT_EQ(Values(Output(), "punktkennung"), (Texts{"10", "G 123"})) << "what is ticked now, no more";
+  EXPECT_EQ(Values(Output(), "koordinatenstatus"), (Texts{"second", "first"})) << "a row keeps what it was given";
   EXPECT_EQ(Values(Output(), "genauigkeitsstufe"), (Texts{"late", "late"})) << "an empty value is filled later";
 }
 

