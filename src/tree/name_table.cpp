@@ -44,7 +44,10 @@ NameId CNameTable::Intern(std::string_view name) {
   const std::uint64_t hash = SlotHash(name);
   std::size_t at = hash & (slots_.size() - 1);
   for (; slots_[at].id != kNoName; at = (at + 1) & (slots_.size() - 1)) {
-    if (slots_[at].hash == hash && NameOf(slots_[at].id) == name) return slots_[at].id;
+    const Slot& slot = slots_[at];
+    if (slot.hash == hash && slot.size == name.size() && std::memcmp(slot.text, name.data(), slot.size) == 0) {
+      return slot.id;
+    }
   }
   const int bucket = BucketOf(name);
   std::vector<Entry>& chain = buckets_[static_cast<std::size_t>(bucket)];
@@ -54,7 +57,7 @@ NameId CNameTable::Intern(std::string_view name) {
   name.copy(text, name.size());
   text[name.size()] = '\0';
   chain.push_back({text, static_cast<std::uint32_t>(name.size())});
-  slots_[at] = {hash, id};
+  slots_[at] = {hash, text, static_cast<std::uint32_t>(name.size()), id};
   if (++count_ * 2 > slots_.size()) Grow();
   return id;
 }

@@ -54,6 +54,8 @@ class CNameTable {
   // One place of the side index, which finds an id without a walk along the chain.
   struct Slot {
     std::uint64_t hash = 0;
+    const char* text = nullptr;
+    std::uint32_t size = 0;
     NameId id = kNoName;
   };
 

@@ -8,9 +8,9 @@
 namespace pktaus {
 namespace {
 
-constexpr std::size_t kBlock = 256 * 1024;   // read at once
-constexpr std::size_t kHistory = 64 * 1024;  // kept for steps back
-constexpr std::size_t kOutBlock = 64 * 1024;
+constexpr std::size_t kBlock = 256 * 1024;     // read at once
+constexpr std::size_t kHistory = 64 * 1024;    // kept for steps back
+constexpr std::size_t kOutBlock = 260 * 1024;  // more than a FileSaver gathers, so that it need not gather
 
 const char* Find(const char* begin, const char* end, char c) {
   return static_cast<const char*>(std::memchr(begin, c, static_cast<std::size_t>(end - begin)));
@@ -98,8 +98,7 @@ void TextStream::LoadWhole() {
   end_ = next_ + (failed_ ? 0 : Translate(next_, static_cast<std::size_t>(got), true));
 }
 
-void TextStream::Seek(std::uint64_t position) {
-  const std::uint64_t before = GetPosition();
+void TextStream::SeekFar(std::uint64_t position) {
   if (position < base_) LoadWhole();
   for (;;) {
     const std::uint64_t in_window = position - base_;
@@ -107,7 +106,6 @@ void TextStream::Seek(std::uint64_t position) {
     next_ = in_window < filled ? window_.get() + in_window : end_;
     if (in_window <= filled || !Fill()) break;
   }
-  rewound_ += before - GetPosition();
 }
 
 int TextStream::ReadByte(char* byte) {
@@ -138,7 +136,7 @@ bool TextStream::ReadLine(std::size_t size, std::string_view* line) {
   return true;
 }
 
-bool TextStream::Accept(std::string_view text) {
+bool TextStream::AcceptSlowly(std::string_view text) {
   const std::uint64_t start = GetPosition();
   for (const char c : text) {
     if (Peek() != static_cast<unsigned char>(c)) {
@@ -150,7 +148,7 @@ bool TextStream::Accept(std::string_view text) {
   return true;
 }
 
-std::string_view TextStream::ReadUntil(char stop, std::string* spill) {
+std::string_view TextStream::ReadUntilSlowly(char stop, std::string* spill) {
   spill->clear();
   for (;;) {
     const char* const found = Find(next_, end_, stop);
@@ -162,7 +160,7 @@ std::string_view TextStream::ReadUntil(char stop, std::string* spill) {
   }
 }
 
-std::string_view TextStream::ReadUntil(const bool (&stops)[256], std::string* spill) {
+std::string_view TextStream::ReadUntilSlowly(const bool (&stops)[256], std::string* spill) {
   spill->clear();
   for (;;) {
     const char* const begin = next_;
@@ -198,9 +196,9 @@ void TextStream::Flush() {
   out_next_ = out_.get();
 }
 
-void TextStream::WriteString(std::string_view text) {
+void TextStream::WriteSlowly(std::string_view text) {
   while (!text.empty()) {
-    const std::string_view piece = text.substr(0, kOutBlock / 4);
+    const std::string_view piece = text.substr(0, kMostAtOnce / 2);
     text.remove_prefix(piece.size());
     char* to = Room(2 * piece.size());
     for (const char c : piece) {
@@ -213,7 +211,7 @@ void TextStream::WriteString(std::string_view text) {
 
 void TextStream::WriteUmlauts(std::string_view text) {
   while (!text.empty()) {
-    const std::string_view piece = text.substr(0, kOutBlock / 4);
+    const std::string_view piece = text.substr(0, kMostAtOnce / 2);
     text.remove_prefix(piece.size());
     char* to = Room(2 * piece.size());
     for (const char c : piece) {
@@ -234,7 +232,7 @@ void TextStream::WriteUmlauts(std::string_view text) {
 
 void TextStream::WriteTabs(std::size_t count) {
   while (count > 0) {
-    const std::size_t piece = std::min(count, kOutBlock / 4);
+    const std::size_t piece = std::min(count, kMostAtOnce);
     std::memset(Room(piece), '\t', piece);
     out_next_ += piece;
     count -= piece;

@@ -30,7 +30,15 @@ class TextStream {
 
   /// Offset behind CR LF translation; Seek returns to it. Behind the end stands the end.
   std::uint64_t GetPosition() const { return base_ + static_cast<std::uint64_t>(next_ - window_.get()); }
-  void Seek(std::uint64_t position);
+  void Seek(std::uint64_t position) {
+    const std::uint64_t before = GetPosition();
+    if (position >= base_ && position - base_ <= static_cast<std::uint64_t>(end_ - window_.get())) {
+      next_ = window_.get() + (position - base_);
+    } else {
+      SeekFar(position);
+    }
+    rewound_ += before - GetPosition();
+  }
 
   /// Gives 1, or 0 at the end of the file.
   int ReadByte(char* byte);
@@ -44,11 +52,29 @@ class TextStream {
   /// Reads the byte that Peek gave.
   void Skip() { ++next_; }
   /// Reads `text` where it stands next; else reads nothing of it.
-  bool Accept(std::string_view text);
+  bool Accept(std::string_view text) {
+    if (static_cast<std::size_t>(end_ - next_) < text.size()) return AcceptSlowly(text);
+    if (std::memcmp(next_, text.data(), text.size()) != 0) return false;
+    next_ += text.size();
+    return true;
+  }
   /// Reads up to `stop` exclusive, or to the end. The text lies in the window or in `spill`.
-  std::string_view ReadUntil(char stop, std::string* spill);
+  std::string_view ReadUntil(char stop, std::string* spill) {
+    const void* const found = std::memchr(next_, stop, static_cast<std::size_t>(end_ - next_));
+    if (found == nullptr) return ReadUntilSlowly(stop, spill);
+    const char* const begin = next_;
+    next_ += static_cast<const char*>(found) - begin;
+    return {begin, static_cast<std::size_t>(next_ - begin)};
+  }
   /// Reads as long as `stops` is false for the byte.
-  std::string_view ReadUntil(const bool (&stops)[256], std::string* spill);
+  std::string_view ReadUntil(const bool (&stops)[256], std::string* spill) {
+    const char* p = next_;
+    while (p != end_ && !stops[static_cast<unsigned char>(*p)]) ++p;
+    if (p == end_) return ReadUntilSlowly(stops, spill);
+    const char* const begin = next_;
+    next_ += p - begin;
+    return {begin, static_cast<std::size_t>(p - begin)};
+  }
 
   /// Bytes read so far, those that were read again after a Seek counted again.
   std::uint64_t ByteReads() const { return GetPosition() + rewound_; }
@@ -59,7 +85,15 @@ class TextStream {
   bool Create(std::string_view path);
   /// Writes to `out`, which outlives the stream.
   void CreateText(std::string* out);
-  void WriteString(std::string_view text);
+  void WriteString(std::string_view text) {
+    if (text.size() > kMostAtOnce || (!text.empty() && std::memchr(text.data(), '\n', text.size()) != nullptr)) {
+      WriteSlowly(text);
+      return;
+    }
+    char* to = Room(text.size());
+    text.copy(to, text.size());
+    out_next_ = to + text.size();
+  }
   /// Writes a value with the seven German letters as two bytes each.
   void WriteUmlauts(std::string_view text);
   void WriteTabs(std::size_t count);
@@ -69,8 +103,14 @@ class TextStream {
 
  private:
   bool Fill();
+  void SeekFar(std::uint64_t position);
+  bool AcceptSlowly(std::string_view text);
+  std::string_view ReadUntilSlowly(char stop, std::string* spill);
+  std::string_view ReadUntilSlowly(const bool (&stops)[256], std::string* spill);
   void LoadWhole();
   std::size_t Translate(char* begin, std::size_t size, bool last);
+  static constexpr std::size_t kMostAtOnce = 4096;  // bytes that Room makes room for
+  void WriteSlowly(std::string_view text);
   void Flush();
   char* Room(std::size_t size) {
     if (static_cast<std::size_t>(out_end_ - out_next_) < size) Flush();

@@ -98,124 +98,131 @@ void XmlReader::SkipHighBytes() {
 
 // What is wanted; null where it does not stand at the present position.
 CTreeNode* XmlReader::ReadTop(Want want) {
-  Item item = OpenItem(want);
+  OpenItem(want);
   while (!stopped_) {
-    if (item.is_open) {
-      open_.push_back({item, kept_.size()});
+    if (item_.is_open) {
+      const int next = stream_->Peek();
+      if (next != '<' && !IsSpace(next)) {
+        CloseNode();  // no children
+        continue;
+      }
+      open_.push_back({item_, kept_.size()});
       SkipSpace();
-      item = NextItem();
+      NextItem();
     } else if (open_.empty()) {
-      return item.node;
-    } else if (item.node != nullptr) {
-      AddItem(item);
-      item = NextItem();
+      return item_.node;
+    } else if (item_.node != nullptr) {
+      AddItem();
+      NextItem();
     } else {
-      EndList(item, joined_);
-      joined_ = nullptr;
-      item = CloseNode();
+      EndList();
+      item_ = open_.back().item;
+      open_.pop_back();
+      CloseNode();
     }
   }
   return nullptr;
 }
 
 // Tries an element or a markup. Without a node the stream is back at the start.
-XmlReader::Item XmlReader::OpenItem(Want want) {
-  Item item;
-  item.start = stream_->GetPosition();
-  item.is_old = item.start < frontier_;
-  frontier_ = std::max(frontier_, item.start + 1);
+void XmlReader::OpenItem(Want want) {
+  const std::uint64_t start = stream_->GetPosition();
+  item_.node = nullptr;
+  item_.start = start;
+  item_.levels = 0;
+  item_.is_old = start < frontier_;
+  item_.dropped = item_.is_open = false;
+  frontier_ = std::max(frontier_, start + 1);
   SkipSpace();
   if (stream_->Peek() == '<') {
     stream_->Skip();
     const int c = stream_->Peek();
     if (c == '!' && want != Want::kElement) {
       stream_->Skip();
-      item = OpenMarkup(item);
+      OpenMarkup();
     } else if (c != '!' && c != '/' && c != '?' && want != Want::kMarkup) {
-      item = OpenNamed(item, false);
+      OpenNamed(false);
     }
   }
-  if (item.node == nullptr) stream_->Seek(item.start);
-  return item;
+  if (item_.node == nullptr) stream_->Seek(start);
 }
 
-XmlReader::Item XmlReader::OpenMarkup(Item item) {
+void XmlReader::OpenMarkup() {
   if (stream_->Accept("--")) {
-    item.node = document_->MakeMarkup(document_->Intern("--"));
-    ReadComment(item.node);
+    item_.node = document_->MakeMarkup(document_->Intern("--"));
+    ReadComment(item_.node);
   } else if (stream_->Accept("[")) {
-    item.node = document_->MakeMarkup(document_->Intern("["));
-    ReadSection(item.node);
+    item_.node = document_->MakeMarkup(document_->Intern("["));
+    ReadSection(item_.node);
   } else {
-    item = OpenNamed(item, true);
+    OpenNamed(true);
   }
-  return item;
 }
 
-XmlReader::Item XmlReader::OpenNamed(Item item, bool markup) {
+void XmlReader::OpenNamed(bool markup) {
   std::string_view name;
   bool has_attributes = false;
   Tag tag = ReadTagName(&name, &has_attributes);
-  if (tag == Tag::kNone || (markup && !name.empty() && (name.front() == '!' || name.front() == '?'))) return item;
+  if (tag == Tag::kNone || (markup && !name.empty() && (name.front() == '!' || name.front() == '?'))) return;
   const NameId id = document_->Intern(name);
   if (id == kNoName) stopped_ = true;
-  item.dropped = name == kDropped;
+  item_.name = document_->NameOf(id);
+  item_.dropped = item_.name == kDropped;
   CTreeNode* node = markup ? document_->MakeMarkup(id) : document_->MakeNode(id);
   if (has_attributes) {
     const std::uint64_t from = stream_->GetPosition();
     if (from >= tag_frontier_) {
       tag = ReadAttributes(node);
-      tag_frontier_ = std::max(tag_frontier_, stream_->GetPosition());
+      tag_frontier_ = stream_->GetPosition();
     } else {
       tag = FindTagEnd();
       lacks_[node].attributes = true;
       lacks_[node].attributes_from = from;
     }
   }
-  if (tag == Tag::kNone) return item;
+  if (tag == Tag::kNone) return;
   if (open_.size() >= static_cast<std::size_t>(kMaxDepth)) stopped_ = true;
-  item.node = node;
-  item.is_open = tag == Tag::kOpen;
-  item.levels = 1;
-  return item;
+  item_.node = node;
+  item_.is_open = tag == Tag::kOpen;
+  item_.levels = 1;
 }
 
 // The next item of the list that is being read, or the end of the list. Where the rest of the list is known it joins.
-XmlReader::Item XmlReader::NextItem() {
+void XmlReader::NextItem() {
   const std::uint64_t position = stream_->GetPosition();
   if (position < frontier_) {
     const auto known = rests_.find(position);
     if (known != rests_.end()) {
       joined_ = &known->second;
-      Item end;
-      end.start = position;
-      return end;
+      item_ = {};
+      return;
     }
   }
-  return OpenItem(Want::kAny);
+  OpenItem(Want::kAny);
 }
 
-void XmlReader::AddItem(const Item& item) {
+void XmlReader::AddItem() {
   OpenNode& parent = open_.back();
   CTreeNode* node = parent.item.node;
-  if (!item.dropped) node->AddChildAfter(item.node, node->last_child_);
-  parent.item.levels = std::max(parent.item.levels, 1 + item.levels);
-  if (item.is_old || kept_.size() > parent.first_kept) kept_.push_back(item);
+  if (!item_.dropped) node->AddChildAfter(item_.node, node->last_child_);
+  parent.item.levels = std::max(parent.item.levels, 1 + item_.levels);
+  if (item_.is_old || kept_.size() > parent.first_kept) kept_.push_back(item_);
 }
 
 // Ends the child list of the innermost open node and remembers it from each of its old items on.
-void XmlReader::EndList(const Item& end, const ListRest* joined) {
+void XmlReader::EndList() {
   OpenNode& parent = open_.back();
   CTreeNode* node = parent.item.node;
-  ListRest rest{nullptr, nullptr, end.start, end.levels};
-  if (joined != nullptr) {
-    rest = *joined;
+  ListRest rest{nullptr, nullptr, item_.start, item_.levels};
+  if (joined_ != nullptr) {
+    rest = *joined_;
+    joined_ = nullptr;
     if (rest.first != nullptr) node->AddChildAfter(rest.first, node->last_child_);
     if (rest.first != nullptr) node->last_child_ = rest.last;
     if (open_.size() + static_cast<std::size_t>(rest.levels) > static_cast<std::size_t>(kMaxDepth)) stopped_ = true;
     stream_->Seek(rest.end);
-  } else if (end.is_old || kept_.size() > parent.first_kept) {
-    rests_[end.start] = rest;
+  } else if (item_.is_old || kept_.size() > parent.first_kept) {
+    rests_[item_.start] = rest;
   }
   parent.item.levels = std::max(parent.item.levels, 1 + rest.levels);
   rest.last = node->last_child_;
@@ -227,17 +234,13 @@ void XmlReader::EndList(const Item& end, const ListRest* joined) {
   }
 }
 
-// Reads value and closing tag of the innermost open node. Without a closing tag the stream is back at its start.
-XmlReader::Item XmlReader::CloseNode() {
-  Item item = open_.back().item;
-  item.is_open = false;
-  open_.pop_back();
-  ReadText(item.node);
-  if (!ReadEndTag(item.node->GetName())) {
-    item.node = nullptr;
-    stream_->Seek(item.start);
-  }
-  return item;
+// Reads value and closing tag of an open node. Without a closing tag the stream is back at its start.
+void XmlReader::CloseNode() {
+  item_.is_open = false;
+  ReadText(item_.node);
+  if (ReadEndTag(item_.name)) return;
+  item_.node = nullptr;
+  stream_->Seek(item_.start);
 }
 
 // Reads a tag's name and what ends it. The name is valid until the next read.

@@ -32,6 +32,7 @@ class XmlReader {
   // One thing that stands in a child list, or nothing: the list's end.
   struct Item {
     CTreeNode* node = nullptr;
+    std::string_view name;
     std::uint64_t start = 0;
     int levels = 0;        // elements that were open within one another while it was read, itself included
     bool is_old = false;   // starts in front of the frontier
@@ -71,13 +72,13 @@ class XmlReader {
   void SkipHighBytes();
   CTreeNode* ReadTop(Want want);
 
-  Item OpenItem(Want want);
-  Item OpenMarkup(Item item);
-  Item OpenNamed(Item item, bool markup);
-  Item NextItem();
-  void AddItem(const Item& item);
-  void EndList(const Item& end, const ListRest* joined);
-  Item CloseNode();
+  void OpenItem(Want want);
+  void OpenMarkup();
+  void OpenNamed(bool markup);
+  void NextItem();
+  void AddItem();
+  void EndList();
+  void CloseNode();
 
   Tag ReadTagName(std::string_view* name, bool* has_attributes);
   Tag ReadAttributes(CTreeNode* node);
@@ -100,11 +101,12 @@ class XmlReader {
   TextStream* stream_;
   bool stopped_ = false;  // too deep, or a name that cannot be kept: there will be no root
 
+  Item item_;  // the one that is being read
   std::vector<OpenNode> open_;
   std::uint64_t frontier_ = 0;  // no item from here on has been tried
   std::vector<Item> kept_;      // of lists that are still being read
   std::unordered_map<std::uint64_t, ListRest> rests_;
-  const ListRest* joined_ = nullptr;
+  const ListRest* joined_ = nullptr;  // the list that is being read goes on with this
 
   ScanMemo spaces_;
   ScanMemo texts_;
