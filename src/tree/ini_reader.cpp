@@ -38,6 +38,13 @@ std::string_view Trim(std::string_view text) {
   return text.substr(0, text.find_last_not_of(" \t\n\r") + 1);
 }
 
+// A line as a text, which a NUL ends. False at the end of the file.
+bool ReadLine(TextStream* stream, std::size_t size, std::string_view* line) {
+  if (!stream->ReadLine(size, line)) return false;
+  *line = line->substr(0, line->find('\0'));
+  return true;
+}
+
 bool IsQuote(char c) { return c == '\'' || c == '"'; }
 
 std::string_view StripQuotes(std::string_view text) {
@@ -73,8 +80,8 @@ void IniReader::ReadFile(CTreeNode* root) {
   for (;;) {
     const std::uint64_t before = stream_->GetPosition();
     std::string_view line;
-    if (!stream_->ReadLine(kFileLine, &line)) return;
-    if (line.front() != '[') continue;
+    if (!ReadLine(stream_, kFileLine, &line)) return;
+    if (!line.starts_with('[')) continue;
     stream_->Seek(before);
     root->AddChild(ReadIniSection());
   }
@@ -82,7 +89,7 @@ void IniReader::ReadFile(CTreeNode* root) {
 
 CTreeNode* IniReader::ReadIniSection() {
   std::string_view line;
-  if (!stream_->ReadLine(kSectionLine, &line) || line.front() != '[') return nullptr;
+  if (!ReadLine(stream_, kSectionLine, &line) || !line.starts_with('[')) return nullptr;
   const std::size_t end = line.find(']');
   if (end == kNone) return nullptr;
   const NameId name = document_->Intern(line.substr(1, end - 1));
@@ -93,8 +100,8 @@ CTreeNode* IniReader::ReadIniSection() {
   section->AddChild(free_data);
   for (;;) {
     const std::uint64_t before = stream_->GetPosition();
-    if (!stream_->ReadLine(kSectionLine, &line)) return section;
-    if (line.front() == '[') {
+    if (!ReadLine(stream_, kSectionLine, &line)) return section;
+    if (line.starts_with('[')) {
       stream_->Seek(before);
       return section;
     }
