@@ -1,0 +1,87 @@
+// What every input of the tree's readers must hold: for the fuzzers, and for the tests that replay their corpus.
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tree/document.h"
+#include "tree/text_stream.h"
+
+namespace fuzz {
+
+inline void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// Most reads of a byte, whatever the file holds.
+inline constexpr std::uint64_t kMostReads = 40;
+
+inline std::unique_ptr<pktaus::CTreeDocument> LoadXml(std::string_view xml) {
+  auto document = std::make_unique<pktaus::CTreeDocument>();
+  pktaus::TextStream stream;
+  stream.OpenText(xml);
+  document->ReadXml(&stream);
+  Require(stream.ByteReads() <= kMostReads * (xml.size() + 1));
+  return document;
+}
+
+inline std::string SaveXml(const pktaus::CTreeDocument& document) {
+  std::string out;
+  pktaus::TextStream stream;
+  stream.CreateText(&out);
+  document.WriteXml(&stream);
+  stream.Close();
+  return out;
+}
+
+/// Whether what is written of a tree reads as the same tree. Nothing is escaped, so a quoted attribute name with a
+/// blank, '=' or '>' in it falls apart, and of a "<!" markup that is no comment and no section the name stands twice.
+inline bool ReadsBack(const pktaus::CTreeNode* root) {
+  std::vector<const pktaus::CTreeNode*> open;
+  if (root != nullptr) open.push_back(root);
+  while (!open.empty()) {
+    const pktaus::CTreeNode* node = open.back();
+    open.pop_back();
+    const bool markup = dynamic_cast<const pktaus::CTreeMarkupNode*>(node) != nullptr;
+    if (markup && node->GetName() != "--" && node->GetName() != "[") return false;
+    if (markup && node->GetFirstChild() != nullptr) return false;
+    for (const auto* a = node->GetFirstAttribute(); a != nullptr; a = a->next) {
+      if (node->GetDocument()->NameOf(a->name).find_first_of(" \t\n=>") != std::string_view::npos) return false;
+    }
+    for (const auto* child = node->GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
+      open.push_back(child);
+    }
+  }
+  return true;
+}
+
+inline void TryXml(std::string_view xml) {
+  const auto first = LoadXml(xml);
+  const std::string saved = SaveXml(*first);
+  const auto second = LoadXml(saved);
+  if (ReadsBack(first->GetRoot())) Require(SaveXml(*second) == saved);
+}
+
+inline void TryIni(std::string_view ini) {
+  for (const bool free_keys : {false, true}) {
+    pktaus::CTreeDocument document;
+    pktaus::TextStream stream;
+    stream.OpenText(ini);
+    Require(document.ReadIni(&stream, free_keys) && document.GetRoot() != nullptr);
+    Require(stream.ByteReads() <= 3 * (ini.size() + 1));
+    for (const auto* section = document.GetRoot()->GetFirstChild(); section != nullptr;
+         section = section->GetNextSibling()) {
+      Require(section->GetFirstChild() != nullptr && section->GetFirstChild()->GetName() == "FREEDATA");
+    }
+    std::string saved;
+    pktaus::TextStream out;
+    out.CreateText(&saved);
+    document.WriteIni(&out);
+    out.Close();
+  }
+}
+
+}  // namespace fuzz
