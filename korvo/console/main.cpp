@@ -1,4 +1,5 @@
 // korvo-console: opens a project and lets a person, or a script, work with it line by line.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -81,6 +82,15 @@ std::string Parse(int count, char** arguments, Options* options) {
   return {};
 }
 
+/// Fills the places of standard streams that the caller has closed, so that no table is opened there and gets what is
+/// said written into it. What fills them gives nothing and takes nothing.
+bool HoldStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDONLY) != stream) return false;
+  }
+  return true;
+}
+
 std::string PluginBesideProgram() {
   return path::ToDisk(path::Join(path::Folder(platform::OwnLibraryPath()), "libpkt_aus.so"));
 }
@@ -88,6 +98,7 @@ std::string PluginBesideProgram() {
 }  // namespace
 
 int main(int count, char** arguments) {
+  if (!HoldStandardStreams()) return kExitNotStarted;
   Options options;
   const std::string wrong = Parse(count, arguments, &options);
   if (!wrong.empty()) return Fail(wrong);

@@ -46,6 +46,7 @@ std::optional<std::string> Terminal::ReadLine(const std::string& prompt) {
   std::string bytes;
   int c = 0;
   while ((c = std::getc(in_)) != EOF && c != '\n') bytes.push_back(static_cast<char>(c));
+  if (c == EOF && std::ferror(in_) != 0 && !person_) Stop("Das Skript lässt sich nicht lesen."_ansi);
   if (c == EOF && bytes.empty()) {
     Put("\n");
     std::clearerr(in_);

@@ -113,7 +113,7 @@ std::optional<int> PositionOf(const std::vector<std::string>& labels, std::strin
   int fitting = 0;
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (Trim(labels[i]) == Trim(meant)) return static_cast<int>(i);
-    if (!BeginsWith(Trim(labels[i]), Trim(meant))) continue;
+    if (Trim(meant).empty() || !BeginsWith(Trim(labels[i]), Trim(meant))) continue;
     found = static_cast<int>(i);
     ++fitting;
   }

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdio>
 
-#include "base/path.h"
 #include "base/text.h"
 #include "platform/clock.h"
 #include "platform/system.h"
@@ -41,11 +40,14 @@ std::string FirstLine(platform::File& file) {
 
 }  // namespace
 
-bool ProjectLock::Take(std::string_view folder, std::string* why) {
+bool ProjectLock::Take(const std::string& table_on_disk, std::string* why) {
   Release();
-  const std::string path = path::Join(folder, "korvo.sperre");
+  std::string path;
+  const bool found = platform::Files().RealPath(table_on_disk, &path);
+  path.replace(path.rfind('/') + 1, std::string::npos, "korvo.sperre");
   // A file that somebody else left behind may be locked without being written.
-  if (!file_.Open(path, platform::OpenMode::kLockFile) && !file_.Open(path, platform::OpenMode::kRead)) {
+  if (!found ||
+      (!file_.OpenOnDisk(path, platform::OpenMode::kLockFile) && !file_.OpenOnDisk(path, platform::OpenMode::kRead))) {
     *why = std::string("Das Projekt kann nicht gesperrt werden ("_ansi) +
            platform::SystemErrorText(platform::LastSystemError()) + ").";
     return false;

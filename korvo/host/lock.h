@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "platform/file.h"
 
@@ -14,8 +13,9 @@ class ProjectLock {
  public:
   ~ProjectLock() { Release(); }
 
-  /// False with the reason in German: who holds the lock, or why it cannot be had.
-  bool Take(std::string_view folder, std::string* why);
+  /// Takes the lock of a table (form on disk), which lies beside the table itself: projects that lead to one table
+  /// through links share it. False with the reason in German: who holds the lock, or why it cannot be had.
+  bool Take(const std::string& table_on_disk, std::string* why);
   void Release();
 
  private:

@@ -147,7 +147,7 @@ OpenedProject OpenProject(const std::string& named_on_disk) {
   }
   readable.Close();
 
-  if (!host.lock.Take(folder, &host.only_looking)) opened.note = host.only_looking;
+  if (!host.lock.Take(path::ToDisk(table), &host.only_looking)) opened.note = host.only_looking;
   host.folder = folder;
   host.name = path::FileName(folder);
   SetPath(host.points, table);

@@ -57,7 +57,7 @@ class SystemFiles : public FileSystem {
     if (mode == OpenMode::kRead) flags |= O_RDONLY;
     if (mode != OpenMode::kRead) flags |= O_RDWR;
     if (mode == OpenMode::kCreateNew || mode == OpenMode::kCreatePrivate) flags |= O_CREAT | O_EXCL;
-    if (mode == OpenMode::kLockFile) flags |= O_CREAT;
+    if (mode == OpenMode::kLockFile) flags |= O_CREAT | O_NOFOLLOW;
     if (mode == OpenMode::kAppend) flags |= O_CREAT | O_APPEND | O_NOFOLLOW;
     const int file = open(path.c_str(), flags, mode == OpenMode::kCreatePrivate ? 0600 : 0666);
     struct stat s {};

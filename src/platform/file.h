@@ -14,7 +14,7 @@ enum class OpenMode {
   kReadWrite,      ///< existing file, read and write in place
   kCreateNew,      ///< new file, read and write; fails where the name exists, a link included
   kCreatePrivate,  ///< the same, for the eyes of its owner alone
-  kLockFile,       ///< read and write, made where it does not exist; never cut
+  kLockFile,       ///< read and write, made where it does not exist; never cut; fails where the name is a link
   kAppend,         ///< written at the end, made where it does not exist; fails where the name is a link
 };
 

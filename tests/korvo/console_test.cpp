@@ -199,6 +199,7 @@ TEST_F(ConsoleTest, StartsOnlyWithWhatItCanOpen) {
       {"--clock gestern " + project, "", 1, "--clock"},
       {"--zone Europe/Berlin " + project, "", 1, "nur zusammen"},
       {"--script /gibt/es/nicht " + project, "", 1, "Das Skript"},
+      {"--script " + work_.path() + " " + project, "", 2, "Das Skript lässt sich nicht lesen"},
       {project + " " + project, "", 1, "nur ein Projekt"},
       {"/gibt/es/nicht", "", 1, "/gibt/es/nicht"},
       {work_.path(), "", 1, "keine Punkttabelle"},
@@ -213,6 +214,18 @@ TEST_F(ConsoleTest, StartsOnlyWithWhatItCanOpen) {
     EXPECT_EQ(o.code, c.code) << o.out << o.err;
     EXPECT_NE(o.err.find(c.message), std::string::npos) << o.err;
     EXPECT_EQ(o.err.empty(), c.code == 0) << o.err;
+  }
+}
+
+TEST_F(ConsoleTest, WithoutStandardStreamsNothingIsSaidIntoTheTable) {
+  const struct {
+    const char* closed;
+    int code;
+  } cases[] = {{" <&- >/dev/null", 0}, {" <&- >&- 2>/dev/null", 1}, {" <&- >&- 2>&-", 1}};
+  for (const auto& c : cases) {
+    const int status = std::system((std::string(kConsole) + " " + folder_.path() + c.closed).c_str());
+    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, c.code) << c.closed;
+    EXPECT_EQ(support::BytesOf(folder_.File("punkte.dbf")), Points().Bytes()) << c.closed;
   }
 }
 

@@ -266,6 +266,12 @@ TEST(Project, IsWorkedOnByOneAndFreeAgainAfterAKill) {
   }
   EXPECT_EQ(support::BytesOf(folder.File("punkte.dbf")), OnePoint().Bytes());
 
+  // Another folder that leads to the same table is the same project.
+  const support::TempFolder leading;
+  fs::create_symlink(folder.File("punkte.dbf"), leading.File("punkte.dbf"));
+  second = korvo::OpenProject(leading.path());
+  EXPECT_NE(second.note.find("Prozess " + std::to_string(child)), std::string::npos) << second.note;
+
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
   second = korvo::OpenProject(folder.path());

@@ -80,6 +80,8 @@ TEST(File, LocksOnce) {
   EXPECT_FALSE(platform::Files().TryLock(second.handle()));
   first.Close();
   EXPECT_TRUE(platform::Files().TryLock(second.handle()));
+  std::filesystem::create_symlink("sperre", folder.File("link"));
+  EXPECT_FALSE(first.Open(folder.File("link"), OpenMode::kLockFile));
 }
 
 TEST(System, KnowsItsOwnPlaceAndTheTempFolder) {
