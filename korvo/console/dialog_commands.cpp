@@ -47,11 +47,11 @@ const C* As(const toolkit::Dialog& dialog, toolkit::ControlId id, Kind kind) {
 
 /// Rows that are meant by "3", "2-5" or a label in quotes; false where one of them is none.
 bool AddRows(const toolkit::TickList& list, std::string_view meant, std::vector<int>* rows) {
-  const int count = static_cast<int>(list.rows.size());
+  const int count = static_cast<int>(list.rows().size());
   if (!meant.empty() && meant.front() == '"') {
     const std::string label = Unquote(meant);
     for (int i = 0; i < count; ++i) {
-      if (Trim(list.rows[static_cast<std::size_t>(i)].label) != Trim(label)) continue;
+      if (Trim(list.rows()[static_cast<std::size_t>(i)].label) != Trim(label)) continue;
       rows->push_back(i);
       return true;
     }

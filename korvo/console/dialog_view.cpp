@@ -144,18 +144,17 @@ std::vector<std::string> DialogView::Render(const toolkit::Control& control) {
 }
 
 void DialogView::RenderRows(const toolkit::TickList& list, std::vector<std::string>* lines) {
-  const auto ticked = std::count_if(list.rows.begin(), list.rows.end(), [](const auto& row) { return row.ticked; });
-  lines->push_back(std::to_string(list.rows.size()) + " Zeilen, " + std::to_string(ticked) + " mit Haken");
+  lines->push_back(std::to_string(list.rows().size()) + " Zeilen, " + std::to_string(list.ticked()) + " mit Haken");
   const Part part = parts_[list.id()];
-  const auto from = std::min(static_cast<std::size_t>(part.from), list.rows.size());
-  const auto to = std::min(from + static_cast<std::size_t>(part.count), list.rows.size());
+  const auto from = std::min(static_cast<std::size_t>(part.from), list.rows().size());
+  const auto to = std::min(from + static_cast<std::size_t>(part.count), list.rows().size());
   for (std::size_t i = from; i < to; ++i) {
-    const toolkit::TickList::Row& row = list.rows[i];
+    const toolkit::TickList::Row& row = list.rows()[i];
     const char* mark = static_cast<int>(i) == list.selected ? " >" : "  ";
     lines->push_back("      " + std::string(mark) + Padded(std::to_string(i + 1), 6) +
                      (row.ticked ? " [x] " : " [ ] ") + row.label);
   }
-  if (to < list.rows.size()) {
+  if (to < list.rows().size()) {
     lines->push_back("        ... weiter mit: zeige " + std::to_string(list.id()) + " " + std::to_string(to + 1));
   }
 }

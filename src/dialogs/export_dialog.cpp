@@ -151,27 +151,24 @@ void CExportDlg::ReadTable() {
 }
 
 void CExportDlg::Filter() {
-  points_.rows.clear();
-  points_.selected = -1;
+  points_.Clear();
   const std::int32_t count = point_count();
   TablePoint point;
   for (std::int32_t record = 1; record <= count; ++record) {
     if (!ReadPoint(record, &point)) continue;
     if (Trimmed(point.name).find(filter_.text) == std::string_view::npos) continue;
-    points_.rows.push_back({.label = point.name, .value = record});
+    points_.Add({.label = point.name, .value = record});
   }
   ShowCount();
 }
 
 void CExportDlg::TickAll(bool on) {
-  for (toolkit::TickList::Row& row : points_.rows) row.ticked = on;
+  points_.TickAll(on);
   ShowCount();
 }
 
 void CExportDlg::ShowCount() {
-  std::size_t ticked = 0;
-  for (const toolkit::TickList::Row& row : points_.rows) ticked += row.ticked ? 1 : 0;
-  count_.text = std::to_string(ticked) + " von " + std::to_string(points_.rows.size());
+  count_.text = std::to_string(points_.ticked()) + " von " + std::to_string(points_.rows().size());
 }
 
 /// Links the rows of the ticked points in the order of the list and gives them the default values that they lack.
@@ -194,7 +191,7 @@ BatchPoint* CExportDlg::LinkTickedRows() {
 
   BatchPoint* head = nullptr;
   BatchPoint** tail = &head;
-  for (const toolkit::TickList::Row& entry : points_.rows) {
+  for (const toolkit::TickList::Row& entry : points_.rows()) {
     const auto found = entry.ticked ? by_name.find(entry.label) : by_name.end();
     if (found == by_name.end()) continue;
     BatchPoint* row = found->second;

@@ -129,8 +129,34 @@ class TickList : public Control {
     bool ticked = false;
   };
   TickList(ControlId id, std::string label) : Control(Kind::kTickList, id, std::move(label)) {}
-  std::vector<Row> rows;
+
+  void Add(Row row) {
+    ticked_ += row.ticked ? 1 : 0;
+    rows_.push_back(std::move(row));
+  }
+  /// Takes all rows away, and the selection with them.
+  void Clear() {
+    rows_.clear();
+    ticked_ = 0;
+    selected = -1;
+  }
+  const std::vector<Row>& rows() const { return rows_; }
+  void Tick(std::size_t row, bool on) {
+    ticked_ = ticked_ + (on ? 1 : 0) - (rows_[row].ticked ? 1 : 0);
+    rows_[row].ticked = on;
+  }
+  void TickAll(bool on) {
+    for (Row& row : rows_) row.ticked = on;
+    ticked_ = on ? rows_.size() : 0;
+  }
+  /// Number of ticked rows, kept at hand: it is asked for after every click.
+  std::size_t ticked() const { return ticked_; }
+
   int selected = -1;
+
+ private:
+  std::vector<Row> rows_;
+  std::size_t ticked_ = 0;
 };
 
 /// A sheet of pages with captions that may change. Controls name their page themselves (pages_id, page).

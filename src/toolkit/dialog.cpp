@@ -107,13 +107,13 @@ Answer Change(ChoiceList& list, const EntrySelected& event) {
 }
 
 Answer Change(TickList& list, const RowTicked& event) {
-  if (!Has(list.rows.size(), event.row)) return Answer::kNoSuchEntry;
-  list.rows[static_cast<std::size_t>(event.row)].ticked = event.on;
+  if (!Has(list.rows().size(), event.row)) return Answer::kNoSuchEntry;
+  list.Tick(static_cast<std::size_t>(event.row), event.on);
   return Answer::kTaken;
 }
 
 Answer Change(TickList& list, const RowSelected& event) {
-  if (event.row != -1 && !Has(list.rows.size(), event.row)) return Answer::kNoSuchEntry;
+  if (event.row != -1 && !Has(list.rows().size(), event.row)) return Answer::kNoSuchEntry;
   list.selected = event.row;
   return Answer::kTaken;
 }

@@ -46,7 +46,7 @@ std::string Text(Dialog& dialog, ControlId id) { return At<toolkit::TextField>(d
 
 Texts Labels(Dialog& dialog) {
   Texts labels;
-  for (const toolkit::TickList::Row& row : At<toolkit::TickList>(dialog, kList).rows) labels.push_back(row.label);
+  for (const toolkit::TickList::Row& row : At<toolkit::TickList>(dialog, kList).rows()) labels.push_back(row.label);
   return labels;
 }
 
@@ -163,7 +163,7 @@ TEST_F(ExportDialog, CountsTicks) {
     EXPECT_EQ(Text(dialog, kCount), "3 von 4");
     dialog.Handle(Pressed{kAllOff});
     EXPECT_EQ(Text(dialog, kCount), "0 von 4");
-    At<toolkit::TickList>(dialog, kList).rows[2].ticked = true;
+    At<toolkit::TickList>(dialog, kList).Tick(2, true);
     dialog.Handle(toolkit::RowSelected{kList, 2});
     EXPECT_EQ(Text(dialog, kCount), "1 von 4") << "a changed selection counts anew";
   });

@@ -20,7 +20,8 @@ class Sample : public Dialog {
       Add(control);
     }
     choice.Fill({{"a", 1, ""}, {"b", 2, ""}});
-    rows.rows = {{"r", 1, false}, {"s", 2, false}};
+    rows.Add({"r", 1, false});
+    rows.Add({"s", 2, false});
     on_second.pages_id = pages.id();
     on_second.page = 1;
   }
@@ -149,8 +150,8 @@ TEST(Dialog, TakesWhatThePersonDid) {
   EXPECT_FALSE(dialog.day_off.on);
   EXPECT_EQ(dialog.day_off.day.year, 2016) << "switched off it keeps its day";
   EXPECT_EQ(dialog.choice.SelectedValue(), 2);
-  EXPECT_FALSE(dialog.rows.rows[0].ticked);
-  EXPECT_TRUE(dialog.rows.rows[1].ticked);
+  EXPECT_FALSE(dialog.rows.rows()[0].ticked);
+  EXPECT_TRUE(dialog.rows.rows()[1].ticked);
   EXPECT_EQ(dialog.rows.selected, 1);
   EXPECT_EQ(dialog.on_second.text, "x");
 }

@@ -17,7 +17,7 @@ class EverythingDlg : public toolkit::Dialog {
     choice_.Add({"Hessen", 6, ""});
     choice_.Add({"Hamburg", 2, ""});
     choice_.SelectValue(6);
-    for (int i = 1; i <= 25; ++i) rows_.rows.push_back({"P" + std::to_string(i), i, false});
+    for (int i = 1; i <= 25; ++i) rows_.Add({"P" + std::to_string(i), i, false});
     day_.day = {2016, 3, 2};
     hidden_.visible = false;
     locked_.enabled = false;
@@ -35,10 +35,8 @@ class EverythingDlg : public toolkit::Dialog {
  private:
   void OnPressed(toolkit::ControlId id) override {
     if (id == 9011) {
-      int ticked = 0;
-      for (const auto& row : rows_.rows) ticked += row.ticked ? 1 : 0;
       const std::string told = text_.text + "|" + std::to_string(choice_.SelectedValue()) + "|" +
-                               std::to_string(radio_.chosen) + "|" + std::to_string(ticked) + "|" +
+                               std::to_string(radio_.chosen) + "|" + std::to_string(rows_.ticked()) + "|" +
                                std::to_string(rows_.selected) + "|" + std::to_string(day_.day.day) + "|" +
                                (day_.on ? "on" : "off") + "|" + on_page_.text;
       korvo_desktop->ShowBox(told, "Stand", toolkit::kBoxOk, 0);
