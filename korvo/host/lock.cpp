@@ -43,13 +43,13 @@ std::string FirstLine(platform::File& file) {
 bool ProjectLock::Take(const std::string& table_on_disk, std::string* why) {
   Release();
   std::string path;
-  const bool found = platform::Files().RealPath(table_on_disk, &path);
+  bool open = platform::Files().RealPath(table_on_disk, &path);
   path.replace(path.rfind('/') + 1, std::string::npos, "korvo.sperre");
+  open = open && file_.OpenOnDisk(path, platform::OpenMode::kLockFile);
+  const int error = platform::LastSystemError();
   // A file that somebody else left behind may be locked without being written.
-  if (!found ||
-      (!file_.OpenOnDisk(path, platform::OpenMode::kLockFile) && !file_.OpenOnDisk(path, platform::OpenMode::kRead))) {
-    *why = std::string("Das Projekt kann nicht gesperrt werden ("_ansi) +
-           platform::SystemErrorText(platform::LastSystemError()) + ").";
+  if (!open && !file_.OpenOnDisk(path, platform::OpenMode::kRead)) {
+    *why = std::string("Das Projekt kann nicht gesperrt werden ("_ansi) + platform::SystemErrorText(error) + ").";
     return false;
   }
   if (!platform::Files().TryLock(file_.handle())) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/faulty_files.h"
 #include "tests/support/table_file.h"
 #include "tests/support/temp_folder.h"
 
@@ -218,63 +219,28 @@ TEST(TableWrite, RefusesWhatWouldStoreSomethingFalse) {
   }
 }
 
-/// Counts the reads and fails the writes of the real files.
-class PlayedFiles : public platform::FileSystem {
- public:
-  int reads = 0;
-  bool fail_writes = false;
-  bool fail_reads = false;
-
-  int Open(const std::string& path, platform::OpenMode mode) override { return real_.Open(path, mode); }
-  bool Close(int file) override { return real_.Close(file); }
-  std::int64_t Read(int file, void* data, std::size_t size) override { return real_.Read(file, data, size); }
-  std::int64_t Write(int file, const void* data, std::size_t size) override { return real_.Write(file, data, size); }
-  std::int64_t ReadAt(int file, void* data, std::size_t size, std::uint64_t offset) override {
-    ++reads;
-    return fail_reads ? -1 : real_.ReadAt(file, data, size, offset);
-  }
-  std::int64_t WriteAt(int file, const void* data, std::size_t size, std::uint64_t offset) override {
-    return fail_writes ? -1 : real_.WriteAt(file, data, size, offset);
-  }
-  bool Seek(int file, std::uint64_t offset) override { return real_.Seek(file, offset); }
-  bool Truncate(int file, std::uint64_t size) override { return real_.Truncate(file, size); }
-  bool Sync(int file) override { return !fail_writes && real_.Sync(file); }
-  bool Facts(int file, platform::FileFacts* facts) override { return real_.Facts(file, facts); }
-  bool SetMode(int file, std::uint32_t mode) override { return real_.SetMode(file, mode); }
-  bool SetOwner(int file, std::uint32_t owner, std::uint32_t group) override {
-    return real_.SetOwner(file, owner, group);
-  }
-  bool PathFacts(const std::string& path, platform::FileFacts* facts) override { return real_.PathFacts(path, facts); }
-  bool RealPath(const std::string& path, std::string* real) override { return real_.RealPath(path, real); }
-  bool Rename(const std::string& from, const std::string& to) override { return real_.Rename(from, to); }
-  bool Remove(const std::string& path) override { return real_.Remove(path); }
-  bool SyncFolder(const std::string& path) override { return real_.SyncFolder(path); }
-  bool FreeSpace(const std::string& path, std::uint64_t* bytes) override { return real_.FreeSpace(path, bytes); }
-  bool List(const std::string& path, std::vector<std::string>* names) override { return real_.List(path, names); }
-  bool TryLock(int file) override { return real_.TryLock(file); }
-
- private:
-  platform::FileSystem& real_ = platform::RealFiles();
-};
-
 TEST(TableFaults, AreToldAndLeaveTheTableReadable) {
   const support::TempFolder folder;
-  PlayedFiles files;
-  const platform::FileSystemScope scope(&files);
+  bool fail_writes = false;
+  bool fail_reads = false;
+  const support::FaultyFiles files([&](int, const std::string& name) {
+    const bool writes = name == "WriteAt" || name == "Sync";
+    return (fail_writes && writes) || (fail_reads && name == "ReadAt") ? EIO : 0;
+  });
   Table table;
   std::string why;
   ASSERT_TRUE(table.Open(folder.Write("t.dbf", ThreePoints().Bytes()), true, &why)) << why;
   table.Go(1);
   table.SetText(0, "new");
-  files.fail_writes = true;
+  fail_writes = true;
   EXPECT_FALSE(table.Write(1, &why));
   EXPECT_FALSE(why.empty());
   EXPECT_FALSE(table.Sync());
-  files.fail_reads = true;
+  fail_reads = true;
   std::string_view record;
   EXPECT_EQ(table.Read(1, &record), Table::Got::kFailed);
   EXPECT_TRUE(record.empty());
-  files.fail_reads = false;
+  fail_reads = false;
   ASSERT_EQ(table.Read(1, &record), Table::Got::kRead);
   EXPECT_EQ(table.Field(record, 0), "A1    ");  // what stands on disk, not what was meant to
 }
@@ -285,8 +251,11 @@ TEST(TableRead, AWalkReadsTheFileInBlocks) {
   constexpr int kRecords = 20000;
   for (int i = 0; i < kRecords; ++i) file.Add({{"PT_NO", std::to_string(i)}});
   const std::string path = folder.Write("t.dbf", file.Bytes());
-  PlayedFiles files;
-  const platform::FileSystemScope scope(&files);
+  int reads = 0;
+  const support::FaultyFiles files([&](int, const std::string& name) {
+    reads += name == "ReadAt" ? 1 : 0;
+    return 0;
+  });
   Table table;
   std::string why;
   ASSERT_TRUE(table.Open(path, false, &why)) << why;
@@ -295,7 +264,7 @@ TEST(TableRead, AWalkReadsTheFileInBlocks) {
     ASSERT_EQ(table.Read(i, &record), Table::Got::kRead);
     ASSERT_EQ(korvo::ParseNumber(table.Field(record, 0)), i - 1);
   }
-  EXPECT_LE(files.reads, 2 + 100 * kRecords / (256 * 1024) + 2);
+  EXPECT_LE(reads, 2 + 100 * kRecords / (256 * 1024) + 2);
 }
 
 }  // namespace

@@ -282,6 +282,15 @@ TEST(Project, IsWorkedOnByOneAndFreeAgainAfterAKill) {
   close(ready[1]);
 }
 
+TEST(Project, ThatCannotBeLockedIsOnlyLookedAtAndSaysWhy) {
+  const support::TempFolder folder;
+  folder.Write("punkte.dbf", OnePoint().Bytes());
+  fs::create_symlink("nirgends", folder.File("korvo.sperre"));
+  EXPECT_NE(korvo::OpenProject(folder.path()).note.find("Verkn"), std::string::npos) << korvo::WhyOnlyLooking();
+  EXPECT_FALSE(korvo::WhyOnlyLooking().empty());
+  korvo::CloseProject();
+}
+
 TEST(Project, ATableThatIsNoRegularOneIsLeftToThePlugin) {
   const support::TempFolder folder;
   const std::string path = folder.Write("punkte.dbf", "no table at all");
