@@ -18,15 +18,15 @@ struct Work {
 };
 
 const Work kWork[] = {
-    {"xml", "IN OUT", 2, [](char** a) { return BenchXml ? BenchXml(a[0], a[1]) : 2; }},
-    {"ini", "IN OUT", 2, [](char** a) { return BenchIni ? BenchIni(a[0], a[1]) : 2; }},
-    {"dbf", "FILE", 1, [](char** a) { return BenchDbf ? BenchDbf(a[0]) : 2; }},
-    {"lookup", "TABLE NAMES", 2, [](char** a) { return BenchLookup ? BenchLookup(a[0], a[1]) : 2; }},
-    {"batch", "TEMPLATE M OUT", 3, [](char** a) { return BenchBatch ? BenchBatch(a[0], std::atol(a[1]), a[2]) : 2; }},
-    {"catalog", "FILE", 1, [](char** a) { return BenchCatalog ? BenchCatalog(a[0]) : 2; }},
-    {"reserved", "FOLDER", 1, [](char** a) { return BenchReserved ? BenchReserved(a[0]) : 2; }},
-    {"walk", "TABLE", 1, [](char** a) { return BenchWalk ? BenchWalk(a[0]) : 2; }},
-    {"exportdialog", "TABLE", 1, [](char** a) { return BenchExportDialog ? BenchExportDialog(a[0]) : 2; }},
+    {"xml", "IN OUT", 2, [](char** a) { return BenchXml(a[0], a[1]); }},
+    {"ini", "IN OUT", 2, [](char** a) { return BenchIni(a[0], a[1]); }},
+    {"dbf", "FILE", 1, [](char** a) { return BenchDbf(a[0]); }},
+    {"lookup", "TABLE NAMES", 2, [](char** a) { return BenchLookup(a[0], a[1]); }},
+    {"batch", "TEMPLATE M OUT", 3, [](char** a) { return BenchBatch(a[0], std::atol(a[1]), a[2]); }},
+    {"catalog", "FILE", 1, [](char** a) { return BenchCatalog(a[0]); }},
+    {"reserved", "FOLDER", 1, [](char** a) { return BenchReserved(a[0]); }},
+    {"walk", "TABLE", 1, [](char** a) { return BenchWalk(a[0]); }},
+    {"exportdialog", "TABLE", 1, [](char** a) { return BenchExportDialog(a[0]); }},
 };
 
 }  // namespace

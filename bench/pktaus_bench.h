@@ -21,14 +21,14 @@ class Phases {
   std::string text_;
 };
 
-[[gnu::weak]] int BenchXml(const char* in, const char* out);                   ///< LoadXml, SaveXml, delete
-[[gnu::weak]] int BenchIni(const char* in, const char* out);                   ///< LoadIni with free keys, SaveIni
-[[gnu::weak]] int BenchDbf(const char* file);                                  ///< schema_extend
-[[gnu::weak]] int BenchLookup(const char* table, const char* names);           ///< point_read for each line of a file
-[[gnu::weak]] int BenchBatch(const char* tmpl, long points, const char* out);  ///< WriteBatchFile
-[[gnu::weak]] int BenchCatalog(const char* file);                              ///< load of a catalogue
-[[gnu::weak]] int BenchReserved(const char* folder);                           ///< ReadReservedNumbers
-[[gnu::weak]] int BenchWalk(const char* table);                                ///< point_read_at over all records
-[[gnu::weak]] int BenchExportDialog(const char* table);                        ///< open, tick all, choose
+int BenchXml(const char* in, const char* out);                   ///< LoadXml, SaveXml, delete
+int BenchIni(const char* in, const char* out);                   ///< LoadIni with free keys, SaveIni
+int BenchDbf(const char* file);                                  ///< schema_extend
+int BenchLookup(const char* table, const char* names);           ///< point_read for each line of a file
+int BenchBatch(const char* tmpl, long points, const char* out);  ///< WriteBatchFile
+int BenchCatalog(const char* file);                              ///< load of a catalogue
+int BenchReserved(const char* folder);                           ///< ReadReservedNumbers
+int BenchWalk(const char* table);                                ///< point_read_at over all records
+int BenchExportDialog(const char* table);                        ///< open, tick all, choose
 
 }  // namespace pktaus
