@@ -68,6 +68,7 @@ class SystemFiles : public FileSystem {
     }
     return file;
   }
+  int Duplicate(int file) override { return fcntl(file, F_DUPFD_CLOEXEC, 0); }
   // The descriptor is gone even where the close was interrupted; what had to be on disk was synced before.
   bool Close(int file) override { return close(file) == 0 || errno == EINTR; }
   std::int64_t Read(int file, void* data, std::size_t size) override { return read(file, data, size); }
@@ -205,6 +206,12 @@ bool File::OpenOnDisk(const std::string& disk_path, OpenMode mode) {
   do {
     file_ = Files().Open(disk_path, mode);
   } while (file_ < 0 && errno == EINTR);
+  return IsOpen();
+}
+
+bool File::Duplicate(const File& other) {
+  Close();
+  file_ = Files().Duplicate(other.file_);
   return IsOpen();
 }
 

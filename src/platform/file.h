@@ -38,6 +38,8 @@ class FileSystem {
   virtual ~FileSystem() = default;
   /// kRead refuses a folder. None of the modes waits at a pipe.
   virtual int Open(const std::string& path, OpenMode mode) = 0;
+  /// A second handle of the same opening: position and lock are shared, and the lock lasts until both are closed.
+  virtual int Duplicate(int file) = 0;
   virtual bool Close(int file) = 0;
   virtual std::int64_t Read(int file, void* data, std::size_t size) = 0;
   virtual std::int64_t Write(int file, const void* data, std::size_t size) = 0;
@@ -93,6 +95,7 @@ class File {
 
   bool Open(std::string_view path, OpenMode mode);
   bool OpenOnDisk(const std::string& disk_path, OpenMode mode);
+  bool Duplicate(const File& other);
   bool IsOpen() const { return file_ >= 0; }
   int handle() const { return file_; }
   bool Close();  ///< true where nothing was open

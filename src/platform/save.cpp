@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "base/path.h"
@@ -133,13 +134,14 @@ bool FileSaver::Work::OpenSibling() {
 
 // False where another run has taken the file for a leftover in the moment before it was locked.
 bool FileSaver::Work::LockSibling() {
-  // A handle of its own keeps the lock over the close that comes before the rename.
+  // A second handle keeps the lock over the close that comes before the rename. It must be one of the same opening: on
+  // a network drive the lock of another one would keep our own writes out.
   FileFacts held;
   FileFacts named;
-  if (!lock.OpenOnDisk(waiting_path, OpenMode::kReadWrite)) return false;
   // Where the file system knows no locks nobody else gets one either.
-  if (!Files().TryLock(lock.handle()) && LastSystemError() == EAGAIN) return false;
-  return waiting.Facts(&held) && Files().PathFacts(waiting_path, &named) && SameFile(held, named);
+  if (!Files().TryLock(waiting.handle()) && LastSystemError() == EAGAIN) return false;
+  return lock.Duplicate(waiting) && waiting.Facts(&held) && Files().PathFacts(waiting_path, &named) &&
+         SameFile(held, named);
 }
 
 bool FileSaver::Work::TakeOverRights() {
@@ -182,7 +184,8 @@ bool FileSaver::Work::Finish() {
   if (!Files().Sync(waiting.handle()) || !waiting.Close()) return false;
   if (Replace()) return true;
   if (!target.IsOpen() || !IsRenameForbidden(LastSystemError())) return false;
-  return waiting.OpenOnDisk(waiting_path, OpenMode::kReadWrite) && WriteInPlace();
+  waiting = std::move(lock);
+  return WriteInPlace();
 }
 
 bool FileSaver::Work::Replace() {

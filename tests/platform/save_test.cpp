@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -197,6 +198,50 @@ TEST(FileSaver, LeavesEachOtherAlone) {
   EXPECT_TRUE(first.Write("erste"));
   EXPECT_TRUE(first.Commit());
   EXPECT_EQ(BytesOf(path), "erste");
+}
+
+// As on a network drive: the lock keeps everybody out but the opening that holds it, and that is all who hold a copy.
+class LocksByOpening : public FaultyFiles {
+ public:
+  LocksByOpening() : FaultyFiles([](int, const std::string& name) { return name == "Rename" ? EACCES : 0; }) {}
+  bool TryLock(int file) override {
+    holders_.insert(file);
+    return FaultyFiles::Facts(file, &locked_);
+  }
+  int Duplicate(int file) override {
+    const int copy = FaultyFiles::Duplicate(file);
+    if (holders_.contains(file)) holders_.insert(copy);
+    return copy;
+  }
+  std::int64_t Write(int file, const void* data, std::size_t size) override {
+    return KeptOut(file) ? -1 : FaultyFiles::Write(file, data, size);
+  }
+  std::int64_t ReadAt(int file, void* data, std::size_t size, std::uint64_t offset) override {
+    return KeptOut(file) ? -1 : FaultyFiles::ReadAt(file, data, size, offset);
+  }
+  bool Close(int file) override {
+    holders_.erase(file);
+    return FaultyFiles::Close(file);
+  }
+
+ private:
+  bool KeptOut(int file) {
+    platform::FileFacts facts;
+    if (holders_.empty() || holders_.contains(file) || !FaultyFiles::Facts(file, &facts)) return false;
+    errno = EACCES;
+    return facts.serial == locked_.serial;
+  }
+
+  std::set<int> holders_;
+  platform::FileFacts locked_;
+};
+
+TEST(FileSaver, IsNotKeptOutByItsOwnLock) {
+  const support::TempFolder folder;
+  const std::string path = folder.Write("a.dbf", kOld);
+  const LocksByOpening files;
+  EXPECT_TRUE(SaveAs(path, kNew));
+  EXPECT_EQ(BytesOf(path), kNew);
 }
 
 // Runs `work` as a user without rights and gives what it gave.

@@ -24,6 +24,7 @@ class FaultyFiles : public platform::FileSystem {
   int Open(const std::string& path, platform::OpenMode mode) override {
     return Fails("Open") ? -1 : real_.Open(path, mode);
   }
+  int Duplicate(int file) override { return Fails("Duplicate") ? -1 : real_.Duplicate(file); }
   // A close that fails has closed all the same, as the system's own.
   bool Close(int file) override {
     const bool fails = Fails("Close");
