@@ -69,17 +69,30 @@ std::string Reason(const DbfFault& fault) {
 }
 
 std::string Place(const DbfFault& fault) {
+  // A column that finds no room has no byte in the file.
+  if (fault.offset == 0 && fault.field != 0) return "Feld " + std::to_string(fault.field);
   std::string place = "Stelle " + std::to_string(fault.offset);
   if (fault.record != 0) place += ", Datensatz " + std::to_string(fault.record);
   if (fault.field != 0) place += ", Feld " + std::to_string(fault.field);
   return place;
 }
 
+const char* Verdict(DbfFault::Kind kind) {
+  switch (kind) {
+    case DbfFault::kNotRead:
+      return "kann nicht gelesen werden"_ansi;
+    case DbfFault::kTooManyRecords:
+    case DbfFault::kTooManyFields:
+    case DbfFault::kTooMuchAdded:
+      return "kann nicht ergänzt werden"_ansi;
+    default:
+      return "ist keine regelmäßige dBase-Datei"_ansi;
+  }
+}
+
 std::string FaultText(const char* path, const DbfFault& fault) {
-  return std::string("Die Punkttabelle '") + path +
-         (fault.kind == DbfFault::kNotRead ? "' kann nicht gelesen werden: "
-                                           : "' ist keine regelmäßige dBase-Datei: "_ansi) +
-         Reason(fault) + " (" + Place(fault) + "). Die Datei wurde nicht verändert."_ansi;
+  return std::string("Die Punkttabelle '") + path + "' " + Verdict(fault.kind) + ": " + Reason(fault) + " (" +
+         Place(fault) + "). Die Datei wurde nicht verändert."_ansi;
 }
 
 [[noreturn]] void Raise(const char* path, const DbfFault& fault) {
