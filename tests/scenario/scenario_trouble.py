@@ -128,6 +128,8 @@ class Killed(ProjectCase):
             self.assertTrue(self.read() in (old, new), "neither the old table nor the new one")
         self.play("start", "0", "ende")
         self.assertEqual(self.read(), new)
+        left = [name for name in os.listdir(self.project) if name.endswith(".pktaus-neu")]
+        self.assertEqual(left, [], "what killed runs left goes with the next one")
 
 
 if __name__ == "__main__":
