@@ -37,19 +37,44 @@ inline std::string SaveXml(const pktaus::CTreeDocument& document) {
   return out;
 }
 
-/// Whether what is written of a tree reads as the same tree. Nothing is escaped, so a quoted attribute name with a
-/// blank, '=' or '>' in it falls apart, and of a "<!" markup that is no comment and no section the name stands twice.
+/// Whether a "<!" node comes back as it is written: a comment without an end mark inside, a section
+/// whose brackets pair. The reader also keeps "<!x>...</x>" with any name, which is written without its tags; and it
+/// takes "<!/-->...</-->" for a comment and "<!/[>...</[>" for a section, whatever stands inside.
+inline bool MarkupReadsBack(std::string_view name, std::string_view value) {
+  if (name == "--") {
+    const std::string written = std::string(value) + "-->";
+    for (const char* mark : {"/>", "?>", "-->"}) {
+      if (written.find(mark) < value.size()) return false;
+    }
+    return true;
+  }
+  int depth = 1;
+  for (const char c : value) {
+    depth += c == '[' ? 1 : c == ']' ? -1 : 0;
+    if (depth == 0) return false;
+  }
+  return name == "[" && depth == 1;
+}
+
+/// Whether an attribute's name comes back. Names are written without quotes, so one that took in a blank, tab, LF, '='
+/// or '>' from between quotes falls apart.
+inline bool AttributeReadsBack(std::string_view name) {
+  return name.find_first_of(" \t\n=>") == std::string_view::npos;
+}
+
+/// Whether what is written of a tree reads as the same tree.
 inline bool ReadsBack(const pktaus::CTreeNode* root) {
   std::vector<const pktaus::CTreeNode*> open;
   if (root != nullptr) open.push_back(root);
   while (!open.empty()) {
     const pktaus::CTreeNode* node = open.back();
     open.pop_back();
-    const bool markup = dynamic_cast<const pktaus::CTreeMarkupNode*>(node) != nullptr;
-    if (markup && node->GetName() != "--" && node->GetName() != "[") return false;
-    if (markup && node->GetFirstChild() != nullptr) return false;
+    if (dynamic_cast<const pktaus::CTreeMarkupNode*>(node) != nullptr) {
+      if (!MarkupReadsBack(node->GetName(), node->GetValue())) return false;
+      continue;  // its attributes and children are not written
+    }
     for (const auto* a = node->GetFirstAttribute(); a != nullptr; a = a->next) {
-      if (node->GetDocument()->NameOf(a->name).find_first_of(" \t\n=>") != std::string_view::npos) return false;
+      if (!AttributeReadsBack(node->GetDocument()->NameOf(a->name))) return false;
     }
     for (const auto* child = node->GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
       open.push_back(child);

@@ -28,6 +28,7 @@ CTreeMarkupNode* CTreeDocument::NewMarkupNode(std::string_view name, std::string
 }
 
 void CTreeDocument::SetRoot(CTreeNode* node) {
+  if (node == nullptr) return;
   name_ = node->GetName();
   root_ = node;
 }

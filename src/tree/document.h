@@ -31,7 +31,7 @@ class CTreeDocument {
   CTreeMarkupNode* NewMarkupNode(std::string_view name, std::string_view value);
 
   CTreeNode* GetRoot() const { return root_; }
-  /// Makes the node the root in place of the present one, and its name the document's.
+  /// Makes the node the root in place of the present one, and its name the document's; null changes nothing.
   void SetRoot(CTreeNode* node);
   CTreeHeaderNode* GetHeader() const { return header_; }
   /// "GCPDocument", or the name of the node that SetRoot was given last.

@@ -163,6 +163,7 @@ void XmlReader::OpenNamed(bool markup) {
   std::string_view name;
   bool has_attributes = false;
   Tag tag = ReadTagName(&name, &has_attributes);
+  names_.MoveFrontier(stream_->GetPosition());
   if (tag == Tag::kNone || (markup && !name.empty() && (name.front() == '!' || name.front() == '?'))) return;
   const NameId id = document_->Intern(name);
   if (id == kNoName) stopped_ = true;
@@ -245,11 +246,20 @@ void XmlReader::CloseNode() {
 
 // Reads a tag's name and what ends it. The name is valid until the next read.
 XmlReader::Tag XmlReader::ReadTagName(std::string_view* name, bool* has_attributes) {
+  const std::uint64_t from = stream_->GetPosition();
+  if (!names_.IsNew(from)) {
+    const ScanMemo::Found found = Search(&names_, [this](std::uint64_t* end) {
+      *end = stream_->GetPosition() + 1;
+      return stream_->Peek() == '>' || IsSpace(stream_->Peek());
+    });
+    if (found.end == found.mark) return Tag::kNone;  // the file ends in the name
+    stream_->Seek(from);
+  }
   *name = stream_->ReadUntil(kNameStops.is, &name_spill_);
   if (stream_->Peek() == '/') {
     name_ = *name;
     while (stream_->Peek() == '/') {
-      stream_->Skip();
+      SkipRun(&slash_runs_, [](int c) { return c == '/'; });
       if (stream_->Peek() == '>') {
         stream_->Skip();
         *name = name_;
@@ -389,17 +399,20 @@ ScanMemo::Found XmlReader::Search(ScanMemo* memo, IsMark is_mark) {
   return *known;
 }
 
-void XmlReader::SkipSpace() {
-  if (spaces_.IsNew(stream_->GetPosition())) {
-    while (IsSpace(stream_->Peek())) stream_->Skip();
-    spaces_.MoveFrontier(stream_->GetPosition());
-  } else if (IsSpace(stream_->Peek())) {
-    Search(&spaces_, [this](std::uint64_t* end) {
+template <typename IsPart>
+void XmlReader::SkipRun(ScanMemo* memo, IsPart is_part) {
+  if (memo->IsNew(stream_->GetPosition())) {
+    while (is_part(stream_->Peek())) stream_->Skip();
+    memo->MoveFrontier(stream_->GetPosition());
+  } else if (is_part(stream_->Peek())) {
+    Search(memo, [this, is_part](std::uint64_t* end) {
       *end = stream_->GetPosition();
-      return !IsSpace(stream_->Peek());
+      return !is_part(stream_->Peek());
     });
   }
 }
+
+void XmlReader::SkipSpace() { SkipRun(&spaces_, IsSpace); }
 
 void XmlReader::ReadText(CTreeNode* node) {
   const std::uint64_t from = stream_->GetPosition();

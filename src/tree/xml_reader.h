@@ -84,6 +84,8 @@ class XmlReader {
   Tag ReadAttributes(CTreeNode* node);
   Tag FindTagEnd();
   void SetAttribute(CTreeNode* node);
+  template <typename IsPart>
+  void SkipRun(ScanMemo* memo, IsPart is_part);
   void SkipSpace();
   void ReadText(CTreeNode* node);
   bool ReadEndTag(std::string_view name);
@@ -109,6 +111,8 @@ class XmlReader {
   const ListRest* joined_ = nullptr;  // the list that is being read goes on with this
 
   ScanMemo spaces_;
+  ScanMemo names_;
+  ScanMemo slash_runs_;  // in names
   ScanMemo texts_;
   ScanMemo slashes_;
   ScanMemo comments_;

@@ -84,6 +84,8 @@ TEST(Node, FindsFromAStartAndKeepsAttributes) {
   EXPECT_EQ(TreeText(node), "a:b:c[k=3 l=2]\"value\"(x x)");
   document.SetRoot(first);
   document.SetRoot(node);
+  document.SetRoot(nullptr);
+  EXPECT_EQ(document.GetRoot(), node);
   EXPECT_EQ(document.GetName(), "a:b:c");
 }
 

@@ -1,6 +1,7 @@
 // Files that would cost a reader by trial far more than their size, and the limits of a tree.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -63,6 +64,17 @@ TEST(Hostile, ReadsEachByteAFewTimes) {
        [](auto n) { return "<q>" + Times(n, "<r><s </r>") + Times(n, "xyz") + "</q>"; }, 9000, "q\"xyzxyzxyz\"(r r r)"},
       {"markup never closed", [](auto n) { return "<r>" + Times(n, "<!a>") + "</r>"; }, 9000, "r"},
       {"blanks between failures", [](auto n) { return "<r>" + Times(n, "<a>          ") + "</r>"; }, 9000, "r"},
+      {"names that the end of the file cuts off",
+       [](auto n) { return "<r>" + Times(n, "<A><g><![</A>") + Times(n, "]x<b"); }, 9000, "-"},
+      {"a name in a name, with a long run of slashes",
+       [](auto n) { return "<r>" + Times(240, "<A><g><![</A>") + Times(240, "]x<b") + Times(n, "/") + "></r>"; },
+       100000, nullptr},
+      {"a name in a name, in many pieces",
+       [](auto n) {
+         const std::size_t k = std::min<std::size_t>(n, 100);
+         return "<r>" + Times(k, "<A><g><![</A>") + Times(k, "]x<b") + Times(k, "b///////") + "></r>";
+       },
+       100, "-"},
       {"quotes alone", [](auto n) { return "<r>" + Times(n, "<a \"") + "</r>"; }, 100000, nullptr},
       {"DOCTYPE and no slash", [](auto n) { return "<!DOCTYPE a><r>" + Times(n, "<a>") + "</r>"; }, 9000, "r"},
       {"high bytes", [](auto n) { return "<?x?>" + Times(n, "\xFF") + "<a>" + Times(n, "\xC3\xA4\xC3") + "</a>"; },
