@@ -40,7 +40,7 @@ void DialogView::ShowAll() {
     if (!dialog_.Shows(*control)) continue;
     if (control->group != group) terminal_.Say("  -- " + (control->group.empty() ? "-" : control->group) + " --");
     group = control->group;
-    auto& lines = shown_[control->id()];
+    auto& lines = shown_[control];
     lines = Render(*control);
     for (const std::string& line : lines) terminal_.Say(line);
   }
@@ -52,7 +52,7 @@ void DialogView::ShowChanges() {
     return;
   }
   for (const toolkit::Control* control : dialog_.controls()) {
-    const auto before = shown_.find(control->id());
+    const auto before = shown_.find(control);
     if (!dialog_.Shows(*control)) {
       if (before == shown_.end()) continue;
       shown_.erase(before);
@@ -62,13 +62,13 @@ void DialogView::ShowChanges() {
     std::vector<std::string> lines = Render(*control);
     if (before != shown_.end() && before->second == lines) continue;
     for (const std::string& line : lines) terminal_.Say(line);
-    shown_[control->id()] = std::move(lines);
+    shown_[control] = std::move(lines);
   }
 }
 
 void DialogView::Show(const toolkit::Control& control, int from, int count) {
-  parts_[control.id()] = {std::max(from, 0), std::max(count, 1)};
-  auto& lines = shown_[control.id()];
+  parts_[&control] = {std::max(from, 0), std::max(count, 1)};
+  auto& lines = shown_[&control];
   lines = Render(control);
   for (const std::string& line : lines) terminal_.Say(line);
   if (control.kind() == Kind::kChoice) {
@@ -107,7 +107,9 @@ std::vector<std::string> DialogView::Render(const toolkit::Control& control) {
       const auto& group = static_cast<const toolkit::RadioGroup&>(control);
       std::string line = named;
       for (std::size_t i = 0; i < group.options.size(); ++i) {
-        line += (static_cast<int>(i) == group.chosen ? "(x) " : "( ) ") + group.options[i] + "  ";
+        line += static_cast<int>(i) == group.chosen ? "(x) " : "( ) ";
+        if (i < group.option_ids.size()) line += std::to_string(group.option_ids[i]) + " ";
+        line += group.options[i] + "  ";
       }
       lines.push_back(line + State(control));
       break;
@@ -145,7 +147,7 @@ std::vector<std::string> DialogView::Render(const toolkit::Control& control) {
 
 void DialogView::RenderRows(const toolkit::TickList& list, std::vector<std::string>* lines) {
   lines->push_back(std::to_string(list.rows().size()) + " Zeilen, " + std::to_string(list.ticked()) + " mit Haken");
-  const Part part = parts_[list.id()];
+  const Part part = parts_[&list];
   const auto from = std::min(static_cast<std::size_t>(part.from), list.rows().size());
   const auto to = std::min(from + static_cast<std::size_t>(part.count), list.rows().size());
   for (std::size_t i = from; i < to; ++i) {
@@ -160,7 +162,7 @@ void DialogView::RenderRows(const toolkit::TickList& list, std::vector<std::stri
 }
 
 void DialogView::RenderEntries(const toolkit::ChoiceList& list, std::vector<std::string>* lines) {
-  const Part part = parts_[list.id()];
+  const Part part = parts_[&list];
   const auto from = std::min(static_cast<std::size_t>(part.from), list.entries().size());
   const auto to = std::min(from + static_cast<std::size_t>(part.count), list.entries().size());
   for (std::size_t i = from; i < to; ++i) {

@@ -33,8 +33,9 @@ class DialogView {
 
   Terminal& terminal_;
   const toolkit::Dialog& dialog_;
-  std::map<toolkit::ControlId, Part> parts_;
-  std::map<toolkit::ControlId, std::vector<std::string>> shown_;
+  // By control: pages may use a number twice.
+  std::map<const toolkit::Control*, Part> parts_;
+  std::map<const toolkit::Control*, std::vector<std::string>> shown_;
   std::string shown_front_;
 };
 

@@ -14,6 +14,11 @@ bool Precedes(const ChoiceList::Entry& a, const ChoiceList::Entry& b) {
 
 }  // namespace
 
+int RadioGroup::OptionOf(ControlId id) const {
+  const auto found = std::find(option_ids.begin(), option_ids.end(), id);
+  return found == option_ids.end() ? -1 : static_cast<int>(found - option_ids.begin());
+}
+
 std::size_t ChoiceList::Add(Entry entry) {
   const auto place = sorted_ ? std::upper_bound(entries_.begin(), entries_.end(), entry, Precedes) : entries_.end();
   const std::size_t position = static_cast<std::size_t>(place - entries_.begin());

@@ -67,12 +67,17 @@ class TickBox : public Control {
   bool ticked = false;
 };
 
-/// Buttons of which one at most is chosen; -1 none.
+/// Buttons of which one at most is chosen; -1 none. Buttons that have numbers of their own (`option_ids`, one for each
+/// option, or none at all) can be pressed by them.
 class RadioGroup : public Control {
  public:
-  RadioGroup(ControlId id, std::string label, std::vector<std::string> all)
-      : Control(Kind::kRadioGroup, id, std::move(label)), options(std::move(all)) {}
+  RadioGroup(ControlId id, std::string label, std::vector<std::string> all, std::vector<ControlId> ids = {})
+      : Control(Kind::kRadioGroup, id, std::move(label)), options(std::move(all)), option_ids(std::move(ids)) {}
+  /// Position of the option with that number, -1 for none.
+  int OptionOf(ControlId id) const;
+
   std::vector<std::string> options;
+  std::vector<ControlId> option_ids;
   int chosen = -1;
 };
 

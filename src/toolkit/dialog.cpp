@@ -124,23 +124,42 @@ Answer Change(Pages& pages, const PageTurned& event) {
   return Answer::kTaken;
 }
 
+/// Position of the option with that number in a group; -1 for all other controls too.
+int OptionOf(const Control& control, ControlId id) {
+  return control.kind() == Kind::kRadioGroup ? static_cast<const RadioGroup&>(control).OptionOf(id) : -1;
+}
+
 }  // namespace
 
 Control* Dialog::Find(ControlId id) const {
+  Control* first = nullptr;
   for (Control* control : controls_) {
-    if (control->id() == id) return control;
+    if (control->id() != id && OptionOf(*control, id) < 0) continue;
+    if (Shows(*control)) return control;
+    if (first == nullptr) first = control;
   }
-  return nullptr;
+  return first;
 }
 
 bool Dialog::Shows(const Control& control) const {
   if (!control.visible) return false;
   if (control.pages_id == 0) return true;
-  const auto* pages = dynamic_cast<const Pages*>(Find(control.pages_id));
-  return pages != nullptr && pages->visible && pages->current == control.page;
+  for (const Control* other : controls_) {
+    if (other->kind() != Kind::kPages || other->id() != control.pages_id) continue;
+    return other->visible && static_cast<const Pages*>(other)->current == control.page;
+  }
+  return false;
 }
 
-Answer Dialog::Handle(const Event& event) {
+Event Dialog::Meant(const Event& event) const {
+  const auto* pressed = std::get_if<Pressed>(&event);
+  const Control* control = pressed != nullptr ? Find(pressed->id) : nullptr;
+  const int option = control != nullptr ? OptionOf(*control, pressed->id) : -1;
+  return option < 0 ? event : OptionChosen{control->id(), option};
+}
+
+Answer Dialog::Handle(const Event& as_sent) {
+  const Event event = Meant(as_sent);
   const bool opening = std::holds_alternative<Opened>(event);
   if (busy_ || (IsOpen() && opening)) return Answer::kBusy;
   if (!IsOpen() && !opening) return Answer::kNotOpen;

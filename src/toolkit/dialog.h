@@ -71,7 +71,8 @@ class Dialog {
   const std::string& title() const { return title_; }
   /// In order of the keyboard; pointers to members of the dialog.
   const std::vector<Control*>& controls() const { return controls_; }
-  /// Null where there is no such control.
+  /// Pages may use a number twice: the first control that the person sees, else the first. The number of an option
+  /// finds its group. Null where there is no such control.
   Control* Find(ControlId id) const;
   /// Whether the person sees the control: it is visible, and so is the page that it stands on.
   bool Shows(const Control& control) const;
@@ -80,7 +81,7 @@ class Dialog {
   /// not there; otherwise changes the control and runs the dialog's rule. A control that refuses keeps what it holds. A
   /// field of one line takes what was typed up to the first line break.
   /// Never lets an exception or a machine fault through: it ends the dialog and keeps the failure for Rethrow, so that
-  /// nothing is thrown through a front end's event loop.
+  /// nothing is thrown through a front end's event loop. The press of an option counts as its choice.
   virtual Answer Handle(const Event& event);
 
   bool IsOpen() const { return state_ == State::kOpen; }
@@ -104,6 +105,8 @@ class Dialog {
 
  private:
   enum class State { kNew, kOpen, kEnded };
+  /// The event as its control takes it.
+  Event Meant(const Event& event) const;
   Answer Apply(const Event& event);
   void Run(const Event& event);
 

@@ -15,15 +15,17 @@ namespace {
 class Sample : public Dialog {
  public:
   Sample() : Dialog(1, "Probe") {
-    for (Control* control : std::initializer_list<Control*>{&edit, &fixed, &lines, &button, &box, &options, &day,
-                                                            &day_off, &choice, &rows, &pages, &on_second}) {
+    for (Control* control :
+         std::initializer_list<Control*>{&edit, &fixed, &lines, &button, &box, &options, &day, &day_off, &choice, &rows,
+                                         &pages, &on_second, &on_first, &twin}) {
       Add(control);
     }
     choice.Fill({{"a", 1, ""}, {"b", 2, ""}});
     rows.Add({"r", 1, false});
     rows.Add({"s", 2, false});
     on_second.pages_id = pages.id();
-    on_second.page = 1;
+    twin.pages_id = on_first.pages_id = pages.id();
+    on_second.page = twin.page = 1;
   }
 
   TextField edit{10, "Feld"};
@@ -31,13 +33,15 @@ class Sample : public Dialog {
   TextField lines{12, "", TextField::Form::kReadOnlyLines};
   Button button{13, "Los"};
   TickBox box{14, "An"};
-  RadioGroup options{15, "", {"x", "y"}};
+  RadioGroup options{15, "", {"x", "y"}, {151, 152}};
   DateField day{16, "", false};
   DateField day_off{17, "", true};
   ChoiceList choice{18, "", false};
   TickList rows{19, ""};
   Pages pages{20, {"eins", "zwei"}};
   TextField on_second{21, ""};
+  TextField on_first{22, ""};
+  TextField twin{22, ""};  ///< on the second page
 
   std::string rules;
   std::function<void(ControlId)> on_pressed = [](ControlId) {};
@@ -104,6 +108,8 @@ TEST(Dialog, AnswersEachEventAndRunsTheRuleOnlyForWhatItTook) {
       {"tick", BoxTicked{14, true}, Answer::kTaken, "changed 14;"},
       {"option", OptionChosen{15, 1}, Answer::kTaken, "changed 15;"},
       {"option behind the last", OptionChosen{15, 2}, Answer::kNoSuchEntry, ""},
+      {"press of an option", Pressed{152}, Answer::kTaken, "changed 15;"},
+      {"press of the group", Pressed{15}, Answer::kWrongKind, ""},
       {"no option", OptionChosen{15, -1}, Answer::kNoSuchEntry, ""},
       {"leap day", DaySet{16, true, Day(2024, 2, 29)}, Answer::kTaken, "changed 16;"},
       {"no leap day", DaySet{16, true, Day(2023, 2, 29)}, Answer::kNoSuchEntry, ""},
@@ -139,7 +145,8 @@ TEST(Dialog, TakesWhatThePersonDid) {
   for (const Event& event : std::initializer_list<Event>{
            Typed{10, "erste\r\nzweite"}, BoxTicked{14, true}, OptionChosen{15, 1}, DaySet{16, false, Day(2016, 3, 2)},
            DaySet{17, true, Day(2016, 3, 2)}, DaySet{17, false, Day(1, 1, 1)}, EntrySelected{18, 1},
-           RowTicked{19, 1, true}, RowSelected{19, 1}, PageTurned{20, 1}, Typed{21, "x"}}) {
+           RowTicked{19, 1, true}, RowSelected{19, 1}, Typed{22, "v"}, PageTurned{20, 1}, Typed{21, "x"},
+           Typed{22, "y"}}) {
     EXPECT_EQ(dialog.Handle(event), Answer::kTaken);
   }
   EXPECT_EQ(dialog.edit.text, "erste");
@@ -154,6 +161,10 @@ TEST(Dialog, TakesWhatThePersonDid) {
   EXPECT_TRUE(dialog.rows.rows()[1].ticked);
   EXPECT_EQ(dialog.rows.selected, 1);
   EXPECT_EQ(dialog.on_second.text, "x");
+  EXPECT_EQ(dialog.on_first.text, "v") << "of two controls with one number the one in sight counts";
+  EXPECT_EQ(dialog.twin.text, "y");
+  dialog.Handle(Pressed{151});
+  EXPECT_EQ(dialog.options.chosen, 0);
 }
 
 TEST(Dialog, AHiddenOrDisabledControlKeepsWhatItHolds) {
