@@ -9,8 +9,8 @@
 
 #include "base/path.h"
 #include "base/text.h"
+#include "dialogs/state_files.h"
 #include "entry/host/desktop.h"
-#include "platform/file.h"
 #include "store/point_table.h"
 
 namespace pktaus {
@@ -31,13 +31,6 @@ constexpr toolkit::ControlId kKst = 7013;
 constexpr toolkit::ControlId kHer = 7014;
 constexpr toolkit::ControlId kGst = 7015;
 constexpr toolkit::ControlId kZst = 7016;
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-/// Two digits and something else behind them: the template of a federal state.
-bool IsStateFile(std::string_view name) {
-  return name.size() > 2 && IsDigit(name[0]) && IsDigit(name[1]) && !IsDigit(name[2]);
-}
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\n\v\f\r";
@@ -126,10 +119,8 @@ void CExportDlg::OnRowSelected(toolkit::ControlId id) {
 }
 
 void CExportDlg::FillStates() {
-  constexpr std::size_t kEnding = std::string_view(".XML").size();
-  for (const std::string& name : platform::ListFiles(plugin_folder(), "*.XML")) {
-    if (!IsStateFile(name)) continue;
-    state_.Add({.label = name.substr(2, name.size() - 2 - kEnding), .text = name});
+  for (const StateFile& state : ListStateFiles()) {
+    state_.Add({.label = state.name, .text = state.file_name});
     state_.Select(0);
   }
 }
