@@ -4,7 +4,9 @@
 #include <cstring>
 #include <string>
 
+#include "catalog/catalog_store.h"
 #include "dialogs/export_dialog.h"
+#include "dialogs/point_sheet.h"
 #include "entry/host/host.h"
 #include "platform/system.h"
 #include "store/point_record.h"
@@ -17,27 +19,47 @@ namespace {
 // The numbers of the host's menu file.
 enum Command { kLeave = 0, kDefaultValues = 2, kFindPoint = 4, kPickPoints = 6, kOrderExport = 8, kExport = 10 };
 
+/// What point_read gives for a point that has none.
+constexpr int kNoAttributes = 1;
+
 constexpr int kMenuNumber = 30;
 constexpr std::size_t kMenuTextSize = 100;
 
 void* menu = nullptr;
 
-/// Reads the point that the surveyor has picked. Nothing changes it before its sheet is there.
-void OpenPoint(const std::string& point_number) {
+/// Lets the surveyor give a point its attributes. The coordinates are those that he has picked.
+void OpenPoint(const char* point_number, double east, double north) {
+  // Without a number the sheet would edit the defaults.
+  if (*point_number == '\0') return;
   PointRecord record{};
-  point_read(point_number.c_str(), &record);
+  const int state = point_read(point_number, &record);
+  if (state == kNoAttributes) get_catalog_store()->defaults_copy(&record);
+  const int result = point_sheet(point_number, east, north, &record, state);
+  if (result == kSheetConfirmed) point_write(point_number, &record);
+  if (result == kSheetRemove) point_remove(point_number);
+}
+
+/// The sheet stores the values itself.
+void EditDefaultValues() {
+  PointRecord record{};
+  get_catalog_store()->defaults_copy(&record);
+  point_sheet(nullptr, 0.0, 0.0, &record, kNoAttributes);
 }
 
 void PickPoints() {
   HostPoint point{};
   std::int32_t kept = 0;
   while (v2_point_ask(V2_VAR->points, &point, &kept, 0) == 0) {
-    OpenPoint(std::string(point.pt_no, strnlen(point.pt_no, sizeof(point.pt_no))));
+    const std::string number(point.pt_no, strnlen(point.pt_no, sizeof(point.pt_no)));
+    OpenPoint(number.c_str(), point.east, point.north);
   }
 }
 
 void Run(int command) {
   switch (command) {
+    case kDefaultValues:
+      EditDefaultValues();
+      break;
     case kPickPoints:
       PickPoints();
       break;
@@ -45,8 +67,8 @@ void Run(int command) {
       export_dialog();
       break;
     default:
-      // Default values, search by identifier and output by order begin with dialogs that are not built yet; all other
-      // numbers mean nothing.
+      // Search by identifier and output by order begin with dialogs that are not built yet; all other numbers mean
+      // nothing.
       break;
   }
 }
