@@ -1,8 +1,11 @@
+// The host relies on the order in which its operations are called: each is noted here on its way to the stand-in.
 #include "store/point_table.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
@@ -11,52 +14,64 @@
 #include <vector>
 
 #include "base/bounded.h"
+#include "entry/host/host.h"
+#include "store/object_types.h"
+#include "store/stored_day.h"
 #include "tests/support/clock_at.h"
 #include "tests/support/open_project.h"
 #include "tests/support/overflow_log.h"
+
+namespace {
+
+std::string calls;
+std::map<void*, std::string> columns;
+
+template <typename Operation>
+Operation* Real(Operation*, const char* name) {
+  return reinterpret_cast<Operation*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+#define NOTED(result, operation, parameters, arguments, note) \
+  result operation parameters {                               \
+    calls += std::string(note) + " ";                         \
+    return Real(&operation, #operation) arguments;            \
+  }
+
+NOTED(void, vm_dbk_nxk_select, (HostTable * table), (table), "nxk")
+NOTED(void, d4select, (void* data), (data), "d4select")
+NOTED(void, db_i_select, (void* index), (index), "db_i_select")
+NOTED(std::int32_t, d4reccount, (), (), "count")
+NOTED(void, vm_koor_clear, (HostPoint * point), (point), "clear")
+NOTED(void, vm_dbk_read, (HostTable * table, HostPoint* point, std::int32_t number, std::int32_t* error),
+      (table, point, number, error), "read" + std::to_string(number))
+NOTED(void, d4go, (std::int32_t number), (number), "go" + std::to_string(number))
+NOTED(const char*, f4str, (void* column), (column), columns[column])
+NOTED(double, f4double, (void* column), (column), "#" + columns[column])
+NOTED(void, f4r_str, (void* column, const char* text), (column, text), columns[column] + "='" + text + "'")
+NOTED(void, f4r_double, (void* column, double value), (column, value),
+      columns[column] + "=" + std::to_string(static_cast<int>(value)))
+NOTED(void, db_write, (std::int32_t number), (number), "write" + std::to_string(number))
+
+void* f4ref(const char* name) {
+  calls += std::string(name) + " ";
+  void* column = Real(&f4ref, "f4ref")(name);
+  if (column != nullptr) columns[column] = name;
+  return column;
+}
 
 namespace pktaus {
 namespace {
 
 using support::TableFile;
+using Rows = std::vector<TableFile::Values>;
 
-/// A record whose every byte is 'x', so that what a read leaves alone can be told.
-PointRecord Scribbled() {
-  PointRecord record;
-  std::memset(static_cast<void*>(&record), 'x', sizeof record);
-  return record;
-}
-
-PointRecord Filled() {
-  PointRecord record{};
-  put(record.pkn, "326495651000017");
-  put(record.auftrag, "A-1");
-  put(record.antragn, "B 2");
-  put(record.obgid, "DETH00000000000A");
-  put(record.gmlid, "DETH00000000000B");
-  put(record.wepo, "AX_PunktortAU|DETH00000000000C|");
-  record.aktion = kAktionReplace;
-  record.po = kPoAG;
-  record.oa = 4;
-  record.abm = 1110;
-  record.bza = 4000;
-  record.art = 0;
-  record.zst = 42;
-  record.kst = 1000;
-  record.dat = 1456873200;
-  record.hin = kNoChoice;
-  record.her = 12345678;
-  record.gst = 2100;
-  record.vtw = 1200;
-  record.lzv = kLzvNotGiven;
-  return record;
-}
-
-/// All fields but the coordinates, for comparisons that say what differs.
+/// All fields but the coordinates.
 std::string Show(const PointRecord& r) {
   std::string all;
   for (const char* text : {r.pkn, r.auftrag, r.antragn, r.obgid, r.gmlid, r.wepo}) all += std::string(text) + "/";
-  all += std::string(r.objid, 1) + "/" + std::to_string(reinterpret_cast<std::uintptr_t>(r.next));
+  all += std::string(r.objid, 1) + (r.next != nullptr ? "*" : "");
   for (const std::int32_t number : {r.aktion, r.po, r.bundesland, r.oa, r.abm, r.bza, r.art, r.zst, r.kst, r.dat, r.hin,
                                     r.her, r.gst, r.vtw, r.lzv}) {
     all += " " + std::to_string(number);
@@ -66,15 +81,22 @@ std::string Show(const PointRecord& r) {
 
 class PointTable : public testing::Test {
  protected:
-  /// Opens a table of attribute columns with these records.
-  void Open(const std::vector<TableFile::Values>& rows) {
-    TableFile table(support::PointColumns());
+  void Open(const Rows& rows, const Rows& deleted = {},
+            std::vector<support::TableColumn> columns = support::PointColumns()) {
+    TableFile table(std::move(columns));
+    for (const TableFile::Values& row : deleted) table.Add(row, true);
     for (const TableFile::Values& row : rows) table.Add(row);
-    Open(std::move(table));
-  }
-  void Open(TableFile table) {
     project_.emplace(std::move(table));
     columns_bind();
+    calls.clear();
+  }
+  /// Number of the point that carries the identifier; empty where none does.
+  static std::string PointOf(const char* identifier) {
+    char number[16] = "";
+    double east = 0, north = 0;
+    const int found = point_find_by_gid(identifier, number, &east, &north, sizeof number);
+    EXPECT_EQ(found, number[0] != '\0' ? 1 : 0);
+    return number;
   }
 
   support::ClockAt clock_{"2016-03-02T09:05:03"};
@@ -82,212 +104,189 @@ class PointTable : public testing::Test {
   std::optional<support::OpenProject> project_;
 };
 
-TEST_F(PointTable, KeepsEveryValueOfARecord) {
-  Open({{{"PT_NO", "1"}}, {{"PT_NO", "2"}, {"EAST", "32650123.4560"}, {"NORTH", "5651234.5670"}}});
-  PointRecord written = Filled();
-  point_write("2", &written);
-  PointRecord read{};
+TEST_F(PointTable, CallsTheHostInItsOrderAndKeepsEveryValue) {
+  Open({{{"PT_NO", "1"}, {"GMLID", "A"}},
+        {{"PT_NO", "2"}, {"EAST", "32650123.4560"}, {"NORTH", "5651234.5670"}, {"NE_PO", "1"}, {"GMLID", "B"}},
+        {{"PT_NO", "3"}}});
+  PointRecord written{}, read{}, blank{};
+  put(written.pkn, "326495651000017");
+  put(written.auftrag, "123456789012345678901234567890123456789012345");
+  put(written.antragn, "B 2");
+  put(written.obgid, "O");
+  put(written.gmlid, "B");
+  put(written.wepo, "W|C|");
+  std::int32_t value = 11;
+  for (auto field : {&PointRecord::aktion, &PointRecord::po, &PointRecord::oa, &PointRecord::abm, &PointRecord::bza,
+                     &PointRecord::art, &PointRecord::zst, &PointRecord::kst, &PointRecord::hin, &PointRecord::her,
+                     &PointRecord::gst, &PointRecord::vtw}) {
+    written.*field = value++;
+  }
+  written.dat = 1456873200;
+  written.lzv = kLzvNotGiven;
   read.bundesland = written.bundesland = 13;
   read.next = written.next = &written;
-  EXPECT_EQ(point_read("2", &read), 0);
+  const std::string kSelect = "nxk d4select db_i_select ";
+  const std::string kFound = kSelect + "count clear read1 clear read2 go2 ";
+  const std::pair<std::function<void()>, std::string> kOperations[] = {
+      {columns_bind, kSelect +
+                         "NE_OA NE_ANTRAGN NE_AUFTRAG NE_PKN NE_PO NE_ABM NE_BZA NE_ART NE_ZST NE_KST NE_DAT "
+                         "NE_HER NE_GST NE_VTW NE_LZV NE_HIN NE_OBGID NE_AKTION NE_WEPO PKN_ABM_BZA NASTABLE GMLID "},
+      {[&] { point_write("2", &blank); },
+       kFound + "NE_OA=0 NE_PKN='' NE_ANTRAGN='' NE_AUFTRAG='' NE_PO=0 NE_AKTION=0 NE_ABM=0 NE_BZA=0 NE_ART=0 "
+                "NE_ZST=0 NE_KST=0 NE_DAT=0 NE_HER=0 NE_GST=0 NE_VTW=0 NE_LZV=0 NE_HIN=0 NE_OBGID='' write2 "},
+      {[&] { EXPECT_EQ(PointOf("B"), "2"); }, kSelect + "count clear read1 go1 GMLID clear read2 go2 GMLID "},
+      {[&] { point_write("2", &written); },
+       kFound +
+           "NE_OA=13 NE_PKN='326495651000017' NE_ANTRAGN='B 2' NE_AUFTRAG='123456789012345678901234567890123456789' "
+           "NE_PO=12 NE_AKTION=11 NE_ABM=14 NE_BZA=15 NE_ART=16 NE_ZST=17 NE_KST=18 NE_DAT=20160302 NE_HER=20 "
+           "NE_GST=21 NE_VTW=22 NE_LZV=-2 NE_HIN=19 NE_OBGID='O' GMLID='B' NE_WEPO='W|C|' write2 "},
+      {[&] { EXPECT_EQ(point_read("2", &read), 0); },
+       kFound + "#NE_PO #NE_OA NE_ANTRAGN NE_AUFTRAG NE_PKN #NE_AKTION #NE_ABM #NE_BZA #NE_ART #NE_ZST #NE_KST "
+                "#NE_DAT #NE_HER #NE_GST #NE_VTW #NE_LZV #NE_HIN NE_OBGID GMLID NE_WEPO "},
+      {[&] { point_remove("2"); }, kFound + "NE_PO=0 NE_ANTRAGN='' NE_AUFTRAG='' write2 "},
+      {[&] { EXPECT_EQ(point_count(), 3); }, "nxk count "},
+  };
+  for (const auto& [operation, expected] : kOperations) {
+    calls.clear();
+    operation();
+    EXPECT_EQ(calls, expected);
+  }
+  EXPECT_EQ(Show(read), Show(written)) << "the order number is cut in the record, too";
   EXPECT_EQ(read.east, 32650123.456);
   EXPECT_EQ(read.north, 5651234.567);
-  EXPECT_EQ(Show(read), Show(written));
   EXPECT_EQ(project_->Field(2, "NE_DAT"), "20160302") << "a day that every viewer shows";
-  EXPECT_EQ(project_->Field(2, "NE_LZV"), "      -2");
+  EXPECT_EQ(project_->Field(2, "NE_WEPO").substr(0, 6), "W|C|  ");
   EXPECT_EQ(project_->Field(1, "NE_PKN"), std::string(20, ' ')) << "the neighbour";
 }
 
-TEST_F(PointTable, ReadsAPointWithoutAttributesAsTheEmptyRecord) {
-  Open({{{"PT_NO", "1"}, {"EAST", "1.5"}, {"NORTH", "2.5"}, {"NE_PO", "0"}, {"NE_PKN", "old"}, {"NE_ABM", "7"}},
-        {{"PT_NO", "2"}}});
-  PointRecord record = Scribbled();
-  EXPECT_EQ(point_read("1", &record), 1);
-  EXPECT_EQ(record.east, 1.5);
-  EXPECT_EQ(record.north, 2.5);
-  const PointRecord untouched = Scribbled();
-  EXPECT_EQ(Show(record), "//////x/" + std::to_string(reinterpret_cast<std::uintptr_t>(untouched.next)) + " 0 0 " +
-                              std::to_string(untouched.bundesland) + " -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -2");
-  EXPECT_EQ(point_read("2", &record), 1) << "blank columns";
-}
-
-TEST_F(PointTable, FindsTheFirstReadableRecordOfANumber) {
-  TableFile table(support::PointColumns());
-  table.Add({{"PT_NO", "a"}, {"EAST", "1"}}, /*deleted=*/true);
-  table.Add({{"PT_NO", "A"}, {"EAST", "2"}});
-  table.Add({{"PT_NO", "a"}, {"EAST", "3"}});
-  table.Add({{"PT_NO", "a"}, {"EAST", "4"}});
-  Open(std::move(table));
-  PointRecord record{};
+TEST_F(PointTable, ReadsTheFirstReadableRecordOfANumber) {
+  Open({{{"PT_NO", "A"}, {"EAST", "2"}},
+        {{"PT_NO", "a"}, {"EAST", "3"}, {"NE_PO", "0"}, {"NE_ABM", "7"}},
+        {{"PT_NO", "a"}}},
+       {{{"PT_NO", "a"}, {"EAST", "1"}}});
+  PointRecord record;
+  std::memset(static_cast<void*>(&record), 'x', sizeof record);
+  const std::string bundesland = std::to_string(record.bundesland);
   EXPECT_EQ(point_read("a", &record), 1);
   EXPECT_EQ(record.east, 3);
+  EXPECT_EQ(Show(record), "//////x* 0 0 " + bundesland + " -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -1 -2") << "the empty record";
 
-  EXPECT_EQ(point_count(), 4);
   double east = -1, north = -1, elev = -1;
   char number[16] = "untouched";
-  EXPECT_EQ(point_read_at(1, &east, &north, &elev, number, sizeof number), 0);
-  EXPECT_EQ(point_read_at(5, &east, &north, &elev, number, sizeof number), 0);
+  for (const int unreadable : {1, 5})
+    EXPECT_EQ(point_read_at(unreadable, &east, &north, &elev, number, sizeof number), 0);
   EXPECT_STREQ(number, "untouched");
-  EXPECT_EQ(east, -1);
-  EXPECT_EQ(point_read_at(4, &east, &north, &elev, number, sizeof number), 1);
+  EXPECT_EQ(point_read_at(3, &east, &north, &elev, number, sizeof number), 1);
   EXPECT_STREQ(number, "a");
-  EXPECT_EQ(east, 4);
+  EXPECT_EQ(east, 3);
 }
 
 TEST_F(PointTable, LeavesAllAloneWhereThePointIsNotThere) {
   for (const bool with_table : {true, false}) {
-    Open(TableFile(support::PointColumns()));
+    Open({});
     if (!with_table) project_.reset();
     columns_bind();
-    PointRecord record = Scribbled();
-    const PointRecord before = record;
+    PointRecord record{}, before{};
+    record.po = before.po = kPoTA;
     EXPECT_EQ(point_read("1", &record), -1);
     EXPECT_EQ(std::memcmp(&record, &before, sizeof record), 0);
-    record = Filled();
     point_write("1", &record);
     point_remove("1");
-    double east = 7, north = 7;
-    char number[16] = "untouched";
-    EXPECT_EQ(point_find_by_gid("", number, &east, &north, sizeof number), 0);
-    EXPECT_STREQ(number, "untouched");
+    EXPECT_EQ(PointOf(""), "");
     EXPECT_EQ(point_count(), 0);
+    point_walk_orders([](const OrderRow&) { ADD_FAILURE(); });
   }
 }
 
-TEST_F(PointTable, CutsOrderNumbersWhenItWrites) {
-  Open({{{"PT_NO", "1"}}});
-  PointRecord record = Filled();
-  put(record.auftrag, "123456789012345678901234567890123456789012345");
-  put(record.antragn, "1234567890123456789012345678901234567890");
-  point_write("1", &record);
-  EXPECT_EQ(project_->Field(1, "NE_AUFTRAG"), "123456789012345678901234567890123456789 ");
-  EXPECT_EQ(project_->Field(1, "NE_ANTRAGN"), "123456789012345678901234567890123456789 ");
-  EXPECT_STREQ(record.auftrag, "123456789012345678901234567890123456789") << "record and table agree";
-}
-
-TEST_F(PointTable, KeepsIdentifiersThatARecordDoesNotBring) {
-  Open({{{"PT_NO", "1"}, {"GMLID", "old"}, {"NE_WEPO", "AX_PunktortAU|x|"}, {"NE_OBGID", "gone"}}});
-  PointRecord record{};
-  record.po = kPoTA;
-  point_write("1", &record);
-  EXPECT_EQ(project_->Field(1, "GMLID").substr(0, 4), "old ");
-  EXPECT_EQ(project_->Field(1, "NE_WEPO").substr(0, 17), "AX_PunktortAU|x| ");
-  EXPECT_EQ(project_->Field(1, "NE_OBGID"), std::string(20, ' '));
-}
-
-TEST_F(PointTable, RemovesThreeColumnsAlone) {
-  Open({{{"PT_NO", "1"}}, {{"PT_NO", "2"}}});
-  PointRecord record = Filled();
-  point_write("2", &record);
-  std::map<std::string, std::string> before;
-  for (const auto& column : support::PointColumns()) before[column.name] = project_->Field(2, column.name);
-  point_remove("2");
-  before["NE_PO"] = " 0";
-  before["NE_ANTRAGN"] = before["NE_AUFTRAG"] = std::string(40, ' ');
-  for (const auto& column : support::PointColumns()) {
-    EXPECT_EQ(project_->Field(2, column.name), before[column.name]) << column.name;
-  }
-  EXPECT_EQ(point_read("2", &record), 1);
-}
-
-TEST_F(PointTable, TrimsTextsAndReportsWhatDoesNotFit) {
-  struct Case {
-    const char* name;
-    std::string stored;
-    std::string read;
-    std::size_t reports;
-  };
-  const Case kCases[] = {
-      {"blanks", "", "", 0},
-      {"padding in front, blanks within", "  A  B", "A  B", 0},
-      {"first byte above 0x7F", "\xC4pfel", "", 0},
-      {"such a byte further on", "A\xC4", "A\xC4", 0},
-      {"79 characters", std::string(79, 'w'), std::string(79, 'w'), 0},
-      {"80 characters", std::string(80, 'w'), std::string(79, 'w'), 1},
-  };
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.name);
-    Open({{{"PT_NO", "1"}, {"NE_PO", "1"}, {"NE_WEPO", c.stored}}});
-    overflows_.texts().clear();
+TEST_F(PointTable, TakesTextsAndNumbersAsFarAsTheyGo) {
+  const std::string w(80, 'w');
+  const std::pair<std::string, std::string> kTexts[] = {
+      {"", ""}, {"  A  B", "A  B"}, {"\xC4pfel", ""}, {"A\xC4", "A\xC4"}, {w.substr(1), w.substr(1)}, {w, w.substr(1)}};
+  for (const auto& [stored, expected] : kTexts) {
+    Open({{{"PT_NO", "1"}, {"NE_PO", "1"}, {"NE_WEPO", stored}}});
     PointRecord record{};
     EXPECT_EQ(point_read("1", &record), 0);
-    EXPECT_EQ(record.wepo, c.read);
-    EXPECT_EQ(overflows_.texts().size(), c.reports);
+    EXPECT_EQ(record.wepo, expected);
+    EXPECT_EQ(overflows_.texts().size(), stored == w ? 1U : 0U) << stored;
   }
-}
-
-TEST_F(PointTable, ReadsAnyNumberAsAnInteger) {
-  std::vector<support::TableColumn> columns = support::HostColumns();
-  for (const char* name : {"NE_PO", "NE_ABM", "NE_BZA", "NE_ZST", "NE_KST", "NE_HIN"}) {
-    columns.push_back({name, 'N', 20, 2});
+  using Limits = std::numeric_limits<std::int32_t>;
+  const std::pair<const char*, std::int32_t> kNumbers[] = {
+      {"1.99", 1},   {"-1.99", -1}, {"99999999999.00", Limits::max()}, {"-99999999999.00", Limits::min()},
+      {"******", 0}, {"nan", 0}};
+  for (const auto& [stored, expected] : kNumbers) {
+    Open({{{"PT_NO", "1"}, {"NE_PO", "1"}, {"NE_ABM", stored}}}, {},
+         {{"PT_NO", 'C', 15, 0}, {"NE_PO", 'N', 2, 0}, {"NE_ABM", 'N', 20, 2}});
+    PointRecord record{};
+    EXPECT_EQ(point_read("1", &record), 0);
+    EXPECT_EQ(record.abm, expected) << stored;
+    EXPECT_STREQ(record.gmlid, "") << "a column that the table lacks";
   }
-  TableFile table(columns);
-  table.Add({{"PT_NO", "1"},
-             {"NE_PO", "1.99"},
-             {"NE_ABM", "-1.99"},
-             {"NE_BZA", "99999999999.00"},
-             {"NE_ZST", "-99999999999.00"},
-             {"NE_KST", "*******"},
-             {"NE_HIN", "nan"}});
-  Open(std::move(table));
-  PointRecord record{};
-  EXPECT_EQ(point_read("1", &record), 0);
-  EXPECT_EQ(record.po, 1);
-  EXPECT_EQ(record.abm, -1);
-  EXPECT_EQ(record.bza, std::numeric_limits<std::int32_t>::max());
-  EXPECT_EQ(record.zst, std::numeric_limits<std::int32_t>::min());
-  EXPECT_EQ(record.kst, 0);
-  EXPECT_EQ(record.hin, 0);
-  EXPECT_STREQ(record.gmlid, "") << "a column that the table lacks";
 }
 
 TEST_F(PointTable, FindsTheFirstPointOfAnIdentifier) {
-  TableFile table(support::PointColumns());
-  table.Add({{"PT_NO", "0"}, {"GMLID", "DETH01"}}, /*deleted=*/true);
-  table.Add({{"PT_NO", "1"}, {"GMLID", "DETH01"}});
-  table.Add({{"PT_NO", "2"}, {"GMLID", "DETH01"}});
-  table.Add({{"PT_NO", "3"}, {"GMLID", "DE TH 03"}});
-  table.Add({{"PT_NO", "4"}, {"GMLID", "DETH04\xE4zzz"}});
-  table.Add({{"PT_NO", "5"}, {"GMLID", ""}, {"EAST", "5.5"}, {"NORTH", "6.5"}});
-  Open(std::move(table));
+  Open({{{"PT_NO", "1"}, {"GMLID", "DETH01"}},
+        {{"PT_NO", "2"}, {"GMLID", "DETH01"}},
+        {{"PT_NO", "3"}, {"GMLID", "DE TH 03"}},
+        {{"PT_NO", "4"}, {"GMLID", "DETH04\xE4zzz"}},
+        {{"PT_NO", "5"}}},
+       {{{"PT_NO", "0"}, {"GMLID", "DETH01"}}});
   const std::pair<const char*, const char*> kCases[] = {
       {"DETH01", "1"}, {"deth01", ""}, {"DETH0", ""}, {"DETH03", "3"}, {"DE TH 03", ""}, {"DETH04", "4"}, {"", "5"},
   };
-  for (const auto& [identifier, expected] : kCases) {
-    char number[16] = "";
-    double east = 0, north = 0;
-    EXPECT_EQ(point_find_by_gid(identifier, number, &east, &north, sizeof number), *expected != '\0' ? 1 : 0);
-    EXPECT_STREQ(number, expected) << identifier;
-    if (*identifier == '\0') {
-      EXPECT_EQ(east, 5.5);
-      EXPECT_EQ(north, 6.5);
-    }
-  }
+  for (const auto& [identifier, number] : kCases) EXPECT_EQ(PointOf(identifier), number) << identifier;
 }
 
 TEST_F(PointTable, WalksTheOrderNumbersOfReadableRecords) {
-  std::vector<support::TableColumn> columns = support::PointColumns();
-  for (support::TableColumn& column : columns) {
-    if (column.name == "NE_ANTRAGN") column.width = 43;
-  }
-  TableFile table(columns);
-  table.Add({{"PT_NO", "0"}, {"NE_AUFTRAG", "A"}, {"NE_ANTRAGN", "B"}}, /*deleted=*/true);
-  table.Add({{"PT_NO", "1"}, {"NE_AUFTRAG", "  A 1 "}, {"NE_ANTRAGN", std::string(43, 'b')}, {"EAST", "1.5"}});
-  table.Add({{"PT_NO", "2"}, {"NE_AUFTRAG", "\xC4"}, {"NORTH", "2.5"}});
-  Open(std::move(table));
+  Open({{{"PT_NO", "1"}, {"NE_AUFTRAG", "  A 1 "}, {"NE_ANTRAGN", std::string(43, 'b')}, {"EAST", "1.5"}},
+        {{"PT_NO", "2"}, {"NE_AUFTRAG", "\xC4"}, {"EAST", "2.5"}}},
+       {{{"PT_NO", "0"}, {"NE_AUFTRAG", "A"}}},
+       {{"PT_NO", 'C', 15, 0}, {"EAST", 'N', 14, 4}, {"NE_AUFTRAG", 'C', 40, 0}, {"NE_ANTRAGN", 'C', 43, 0}});
   std::string seen;
-  const auto walk = [&seen] {
-    point_walk_orders([&seen](const OrderRow& row) {
-      seen += std::string(row.point_number) + "/" + row.auftrag + "/" + row.antragn + "/" + std::to_string(row.east) +
-              "/" + std::to_string(row.north) + "\n";
-    });
-  };
-  walk();
-  EXPECT_EQ(seen, "1/A 1/" + std::string(43, 'b') + "/1.500000/0.000000\n2///0.000000/2.500000\n");
+  point_walk_orders([&seen](const OrderRow& row) {
+    seen +=
+        std::string(row.point_number) + "/" + row.auftrag + "/" + row.antragn + "/" + std::to_string(row.east) + " ";
+  });
+  EXPECT_EQ(seen, "1/A 1/" + std::string(43, 'b') + "/1.500000 2///2.500000 ");
   EXPECT_TRUE(overflows_.texts().empty());
-  project_.reset();
-  walk();
-  EXPECT_EQ(seen.size(), std::string("1/A 1//1.500000/0.000000\n2///0.000000/2.500000\n").size() + 43);
+}
+
+TEST_F(PointTable, StoresTheLocalDayOfADateAndAnyOtherValueItself) {
+  const std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  const struct {
+    const char* name;
+    std::int32_t seconds;
+    std::int32_t stored;
+    std::int32_t read;  // behind a trip through the table
+  } kDays[] = {
+      {"no value chosen", -1, -1, -1},
+      {"last value that is no date", 10000, 10000, 10000},
+      {"in the afternoon", 1456873200 + 60000, 20160302, 1456873200},
+      {"one second before midnight", 1456873199, 20160301, 1456786800},
+      {"midnight in summer time", 1466546400, 20160622, 1466546400},
+      {"day on which clocks go forward", 1459033200 + 80000, 20160327, 1459033200},
+      {"leap day", 1456700400, 20160229, 1456700400},
+      {"last day", kMost, 20380119, 2147468400},
+      {"too long ago for eight digits of seconds", -149043600, 19650412, -149043600},
+  };
+  for (const auto& day : kDays) {
+    EXPECT_EQ(StoredDay(day.seconds), day.stored) << day.name;
+    EXPECT_EQ(SecondsOfStoredDay(day.stored), day.read) << day.name;
+  }
+  for (const std::int32_t none : {10001, 20160230, 20161301, 20160100, 20150229, 99999999, 20380120, kMost}) {
+    EXPECT_EQ(SecondsOfStoredDay(none), none);
+  }
+}
+
+TEST(ObjectTypes, AreFoundWithAndWithoutAPrefixOfThreeCharacters) {
+  const std::pair<const char*, int> kNames[] = {{"Aufnahmepunkt", 0},
+                                                {"AX_Aufnahmepunkt", 0},
+                                                {"SonstigerVermessungspunkt", 6},
+                                                {"xx:Grenzpunkt", 4},
+                                                {"grenzpunkt", -1},
+                                                {"A_Grenzpunkt", -1},
+                                                {"", -1},
+                                                {"AX_AX_Grenzpunkt", -1}};
+  for (const auto& [name, row] : kNames) EXPECT_EQ(FindObjectTypeRow(name), row) << name;
 }
 
 }  // namespace
