@@ -2,8 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
+
+#include "platform/memory.h"
 
 namespace pktaus {
 
@@ -35,22 +36,22 @@ class BlockStore {
 
    private:
     static constexpr std::size_t kFirst = 2 * 1024;
-    static constexpr std::size_t kLargest = 1024 * 1024;
+    static constexpr std::size_t kLargest = 2 * platform::kLargePage;
 
     char* TakeFromNew(std::size_t size) {
-      if (size > kLargest / 4) {  // a block of its own; the one in use goes on
-        blocks_.push_back(std::unique_ptr<char[]>(new char[size]));
+      if (size > kLargest / 8) {  // a block of its own; the one in use goes on
+        blocks_.push_back(platform::TakeBlock(size));
         return blocks_.back().get();
       }
       while (block_size_ < size) block_size_ *= 2;
-      blocks_.push_back(std::unique_ptr<char[]>(new char[block_size_]));
+      blocks_.push_back(platform::TakeBlock(block_size_));
       next_ = blocks_.back().get();
       left_ = block_size_;
       if (block_size_ < kLargest) block_size_ *= 2;
       return Take(size);
     }
 
-    std::vector<std::unique_ptr<char[]>> blocks_;
+    std::vector<platform::Block> blocks_;
     char* next_ = nullptr;
     std::size_t left_ = 0;
     std::size_t block_size_ = kFirst;

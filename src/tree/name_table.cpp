@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "tree/words.h"
+
 namespace pktaus {
 
 CNameTable::CNameTable() : slots_(256), seed_(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15U) {}
@@ -25,16 +27,16 @@ std::uint64_t CNameTable::SlotHash(std::string_view name) const {
     hash = (hash ^ word) * kFactor;
     hash ^= hash >> 32;
   };
-  const char* p = name.data();
-  std::size_t n = name.size();
-  std::uint64_t word = 0;
-  for (; n >= 8; n -= 8, p += 8) {
-    std::memcpy(&word, p, 8);
+  const char* const p = name.data();
+  const std::size_t n = name.size();
+  if (n >= 8) {
+    for (std::size_t i = 0; i + 8 < n; i += 8) mix(WordAt(p + i));
+    mix(WordAt(p + n - 8));
+  } else {
+    std::uint64_t word = 0;
+    for (const char c : name) word = word << 8 | static_cast<unsigned char>(c);
     mix(word);
   }
-  word = 0;
-  for (std::size_t i = 0; i < n; ++i) word = word << 8 | static_cast<unsigned char>(p[i]);
-  mix(word);
   mix(seed_ >> 7);
   return hash;
 }

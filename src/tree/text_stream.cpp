@@ -214,7 +214,19 @@ void TextStream::WriteUmlauts(std::string_view text) {
     const std::string_view piece = text.substr(0, kMostAtOnce / 2);
     text.remove_prefix(piece.size());
     char* to = Room(2 * piece.size());
-    for (const char c : piece) {
+    const char* from = piece.data();
+    const char* const end = from + piece.size();
+    while (from != end) {
+      if (end - from >= 8) {
+        const std::uint64_t word = WordAt(from);
+        if (((word & kHighBits) | LineFeeds(word)) == 0) {
+          std::memcpy(to, &word, sizeof word);
+          from += 8;
+          to += 8;
+          continue;
+        }
+      }
+      const char c = *from++;
       const char written = kWritten[static_cast<unsigned char>(c)];
       if (written == 0) {
         *to++ = c;
@@ -230,12 +242,13 @@ void TextStream::WriteUmlauts(std::string_view text) {
   }
 }
 
-void TextStream::WriteTabs(std::size_t count) {
-  while (count > 0) {
-    const std::size_t piece = std::min(count, kMostAtOnce);
+void TextStream::WriteLineEnd(std::size_t tabs) {
+  WriteMark("\r\n");
+  while (tabs > 0) {
+    const std::size_t piece = std::min(tabs, kMostAtOnce);
     std::memset(Room(piece), '\t', piece);
     out_next_ += piece;
-    count -= piece;
+    tabs -= piece;
   }
 }
 

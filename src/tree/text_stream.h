@@ -10,6 +10,7 @@
 
 #include "platform/file.h"
 #include "platform/save.h"
+#include "tree/words.h"
 
 namespace pktaus {
 
@@ -76,6 +77,14 @@ class TextStream {
     return {begin, static_cast<std::size_t>(p - begin)};
   }
 
+  /// Reads as long as `is_part` is true for the byte.
+  template <typename IsPart>
+  void SkipWhile(IsPart is_part) {
+    do {
+      while (next_ != end_ && is_part(static_cast<unsigned char>(*next_))) ++next_;
+    } while (next_ == end_ && Fill());
+  }
+
   /// Bytes read so far, those that were read again after a Seek counted again.
   std::uint64_t ByteReads() const { return GetPosition() + rewound_; }
   /// A read of the system failed; the stream has ended there.
@@ -86,17 +95,22 @@ class TextStream {
   /// Writes to `out`, which outlives the stream.
   void CreateText(std::string* out);
   void WriteString(std::string_view text) {
-    if (text.size() > kMostAtOnce || (!text.empty() && std::memchr(text.data(), '\n', text.size()) != nullptr)) {
+    if (text.size() > kMostAtOnce || !CopyLine(text, Room(text.size()))) {
       WriteSlowly(text);
-      return;
+    } else {
+      out_next_ += text.size();
     }
-    char* to = Room(text.size());
-    text.copy(to, text.size());
-    out_next_ = to + text.size();
+  }
+  /// Writes a literal as it stands.
+  template <std::size_t kSize>
+  void WriteMark(const char (&mark)[kSize]) {
+    std::memcpy(Room(kSize - 1), mark, kSize - 1);
+    out_next_ += kSize - 1;
   }
   /// Writes a value with the seven German letters as two bytes each.
   void WriteUmlauts(std::string_view text);
-  void WriteTabs(std::size_t count);
+  /// Writes a line end and `tabs` tabs.
+  void WriteLineEnd(std::size_t tabs);
 
   /// Behind Create: true once the whole new file stands at its path. Without it nothing has changed there.
   bool Close();
@@ -110,6 +124,26 @@ class TextStream {
   void LoadWhole();
   std::size_t Translate(char* begin, std::size_t size, bool last);
   static constexpr std::size_t kMostAtOnce = 4096;  // bytes that Room makes room for
+  // Copies the text; false where there is an LF in it.
+  static bool CopyLine(std::string_view text, char* to) {
+    const char* from = text.data();
+    const std::size_t size = text.size();
+    if (size > 64) {
+      text.copy(to, size);
+      return std::memchr(from, '\n', size) == nullptr;
+    }
+    if (size < 8) {
+      bool has_lf = false;
+      for (std::size_t i = 0; i < size; ++i) {
+        to[i] = from[i];
+        has_lf |= from[i] == '\n';
+      }
+      return !has_lf;
+    }
+    std::uint64_t lfs = 0;
+    for (std::size_t i = 0; i + 8 < size; i += 8) lfs |= CopyWord(from + i, to + i);
+    return (lfs | CopyWord(from + size - 8, to + size - 8)) == 0;
+  }
   void WriteSlowly(std::string_view text);
   void Flush();
   char* Room(std::size_t size) {

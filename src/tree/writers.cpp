@@ -8,26 +8,28 @@
 namespace pktaus {
 namespace {
 
+std::string_view NameOf(const CTreeNode& node) { return node.GetDocument()->NameOf(node.GetNameId()); }
+
 void WriteStartTag(const CTreeNode& node, TextStream* stream) {
-  stream->WriteString("<");
-  stream->WriteString(node.GetName());
+  stream->WriteMark("<");
+  stream->WriteString(NameOf(node));
   for (const CTreeAttribute* a = node.GetFirstAttribute(); a != nullptr; a = a->next) {
     const std::string_view name = node.GetDocument()->NameOf(a->name);
     if (name.empty()) continue;
-    stream->WriteString(" ");
+    stream->WriteMark(" ");
     stream->WriteString(name);
-    stream->WriteString("=\"");
+    stream->WriteMark("=\"");
     stream->WriteString(a->value);
-    stream->WriteString("\"");
+    stream->WriteMark("\"");
   }
-  stream->WriteString(">");
+  stream->WriteMark(">");
 }
 
 void WriteValueAndEndTag(const CTreeNode& node, TextStream* stream) {
   stream->WriteUmlauts(node.GetValue());
-  stream->WriteString("</");
-  stream->WriteString(node.GetName());
-  stream->WriteString(">");
+  stream->WriteMark("</");
+  stream->WriteString(NameOf(node));
+  stream->WriteMark(">");
 }
 
 void WriteKey(const CTreeNode& key, TextStream* stream) {
@@ -54,8 +56,7 @@ void CTreeNode::Write(TextStream* stream) const {
       open.pop_back();
       continue;
     }
-    stream->WriteString("\n");
-    stream->WriteTabs(open.size() - 1);
+    stream->WriteLineEnd(open.size() - 1);
     if (child->kind_ == Kind::kElement) {
       WriteStartTag(*child, stream);
       open.push_back(child);

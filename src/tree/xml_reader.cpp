@@ -402,7 +402,7 @@ ScanMemo::Found XmlReader::Search(ScanMemo* memo, IsMark is_mark) {
 template <typename IsPart>
 void XmlReader::SkipRun(ScanMemo* memo, IsPart is_part) {
   if (memo->IsNew(stream_->GetPosition())) {
-    while (is_part(stream_->Peek())) stream_->Skip();
+    stream_->SkipWhile(is_part);
     memo->MoveFrontier(stream_->GetPosition());
   } else if (is_part(stream_->Peek())) {
     Search(memo, [this, is_part](std::uint64_t* end) {
@@ -551,15 +551,11 @@ std::uint64_t XmlReader::FindSectionEnd() {
 }
 
 void XmlReader::SetText(CTreeNode* node, std::string_view text, bool convert) {
+  if (node->kind_ == CTreeNode::Kind::kElement) text = Trim(text);
   if (text.empty()) return;
-  const bool trim = node->kind_ == CTreeNode::Kind::kElement;
-  if (!convert || std::memchr(text.data(), 0xC3, text.size()) == nullptr) {
-    node->value_ = document_->KeepText(trim ? Trim(text) : text);
-    return;
-  }
   char* kept = document_->store_->TakeText(text.size());
-  const std::string_view converted(kept, Utf8ToAnsi(text, kept));
-  node->value_ = trim ? Trim(converted) : converted;
+  if (!convert) text.copy(kept, text.size());
+  node->value_ = {kept, convert ? Utf8ToAnsi(text, kept) : text.size()};
 }
 
 // Reads the attributes and values that were passed over, for the nodes that are in the tree.
