@@ -9,9 +9,7 @@ TEST(Text, EveryByteGoesToUtf8AndBack) {
   std::string all;
   for (int byte = 1; byte < 256; ++byte) all.push_back(static_cast<char>(byte));
   EXPECT_EQ(text::FromUtf8(text::ToUtf8(all)), all);
-  EXPECT_STREQ("Prüfdatum €ß"_ansi,
-               "Pr\xFC"
-               "fdatum \x80\xDF");
+  EXPECT_STREQ("Prü €ß"_ansi, "Pr\xFC \x80\xDF");
 }
 
 TEST(Text, WhatIsNoUtf8OrNotInTheCodePageHasNoForm) {
@@ -23,32 +21,22 @@ TEST(Text, WhatIsNoUtf8OrNotInTheCodePageHasNoForm) {
 }
 
 TEST(Text, SortsAsAGermanReaderExpects) {
-  const char* const kInOrder[] = {"",           "1",         "Aachen"_ansi, "Äcker"_ansi, "Ader"_ansi,
-                                  "bar"_ansi,   "Bar"_ansi,  "Bär"_ansi,    "Barz"_ansi,  "Maß"_ansi,
-                                  "Masse"_ansi, "Mast"_ansi, "Öse"_ansi,    "Ost"_ansi,   "Zebra"_ansi};
-  for (std::size_t i = 0; i + 1 < std::size(kInOrder); ++i) {
-    EXPECT_LT(text::CompareGerman(kInOrder[i], kInOrder[i + 1]), 0) << kInOrder[i];
-    EXPECT_GT(text::CompareGerman(kInOrder[i + 1], kInOrder[i]), 0) << kInOrder[i];
-    EXPECT_EQ(text::CompareGerman(kInOrder[i], kInOrder[i]), 0) << kInOrder[i];
+  const char* const kInOrder[] = {"",     "1",        "Aachen", "Äcker"_ansi, "Ader",     "bar", "Bar",  "Bär"_ansi,
+                                  "Barz", "Maß"_ansi, "Masse",  "Mast",       "Öse"_ansi, "Ost", "Zebra"};
+  for (const char* const& a : kInOrder) {
+    for (const char* const& b : kInOrder) EXPECT_EQ(text::CompareGerman(a, b) <=> 0, &a <=> &b) << a << " " << b;
   }
 }
 
 TEST(Path, IsTakenApart) {
-  const struct {
-    const char *path, *folder, *name;
-    bool absolute;
-  } kCases[] = {{"/a/b.xml", "/a", "b.xml", true},
-                {"C:\\a\\b.xml", "C:\\a", "b.xml", true},
-                {"C:\\a/b\\c.xml", "C:\\a/b", "c.xml", true},
-                {"/b.xml", "/", "b.xml", true},
-                {"b.xml", "", "b.xml", false},
-                {"a/", "a", "", false},
-                {"C:b.xml", "", "C:b.xml", false},
-                {"", "", "", false}};
-  for (const auto& row : kCases) {
-    EXPECT_EQ(path::Folder(row.path), row.folder) << row.path;
-    EXPECT_EQ(path::FileName(row.path), row.name) << row.path;
-    EXPECT_EQ(path::IsAbsolute(row.path), row.absolute) << row.path;
+  const std::pair<const char*, const char*> kCases[] = {
+      {"/a/b.xml", "/a|b.xml|absolute"}, {"C:\\a/b\\c.xml", "C:\\a/b|c.xml|absolute"},
+      {"/b.xml", "/|b.xml|absolute"},    {"a/", "a||"},
+      {"C:b.xml", "|C:b.xml|"},          {"", "||"}};
+  for (const auto& [path, parts] : kCases) {
+    EXPECT_EQ(std::string(path::Folder(path)) + "|" + std::string(path::FileName(path)) + "|" +
+                  (path::IsAbsolute(path) ? "absolute" : ""),
+              parts);
   }
   EXPECT_EQ(path::Join("/a", "b"), "/a/b");
   EXPECT_EQ(path::Join("C:\\", "b"), "C:\\b");
@@ -56,9 +44,8 @@ TEST(Path, IsTakenApart) {
 }
 
 TEST(Path, PatternsMatchRegardlessOfCase) {
-  for (const char* name : {"05Nrw.XML", "a.xml", ".Xml", "a.xml.xml"})
-    EXPECT_TRUE(path::Matches(name, "*.XML")) << name;
-  for (const char* name : {"a.xmlx", "xml", "a.xm", ""}) EXPECT_FALSE(path::Matches(name, "*.XML")) << name;
+  for (const char* name : {".Xml", "a.xml.XmL"}) EXPECT_TRUE(path::Matches(name, "*.XML")) << name;
+  for (const char* name : {"a.xmlx", "xml", ""}) EXPECT_FALSE(path::Matches(name, "*.XML")) << name;
   EXPECT_TRUE(path::Matches("abcabd", "a*b?"));
   EXPECT_FALSE(path::Matches("abcab", "a*b?"));
   EXPECT_TRUE(path::Matches(std::string(200, 'a') + "b", "*a*a*a*a*a*b"));
