@@ -40,6 +40,14 @@ class ScriptedDesktop : public toolkit::Desktop {
   /// Windows of the desktop, and what FindWindow gives for a class and a title.
   std::vector<toolkit::WindowInfo> windows;
 
+  /// Takes the first of what is to come.
+  template <typename T>
+  static T Next(std::deque<T>* queue) {
+    T next = std::move(queue->front());
+    queue->pop_front();
+    return next;
+  }
+
   void Run(toolkit::Dialog& dialog, toolkit::Window) override {
     dialogs.push_back(dialog.number());
     if (!persons.empty()) Next (&persons)(dialog);
@@ -67,12 +75,6 @@ class ScriptedDesktop : public toolkit::Desktop {
   const platform::Clock& Clock() override { return platform::CurrentClock(); }
 
  private:
-  template <typename T>
-  static T Next(std::deque<T>* queue) {
-    T next = std::move(queue->front());
-    queue->pop_front();
-    return next;
-  }
   bool NextPath(std::string* path) {
     const std::optional<std::string> next = paths.empty() ? std::nullopt : Next(&paths);
     if (next) *path = *next;
