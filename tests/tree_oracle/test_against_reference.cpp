@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <cstdio>
 #include <map>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "fuzz/tree_inputs.h"
+#include "fuzz/comparison.h"
+#include "fuzz/reference_tree.h"
 #include "tests/support/temp_folder.h"
-#include "tests/tree_oracle/reference_xml.h"
 #include "tree/document.h"
 #include "tree/name_table.h"
 #include "tree/staging.h"
@@ -21,146 +20,26 @@ namespace {
 
 const std::string kNul(1, '\0');
 
+using fuzz::Legible;
+using fuzz::Tree;
 using pktaus::CTreeDocument;
-using pktaus::CTreeNode;
-using pktaus::TextStream;
 
-std::string Legible(std::string_view bytes) {
-  std::string out;
-  for (const char c : bytes) {
-    char code[8];
-    std::snprintf(code, sizeof(code), c >= ' ' && c < 127 ? "%c" : "\\x%02X", static_cast<unsigned char>(c));
-    out += code;
-  }
-  return out;
-}
-
-// Everything that a tree holds, as a text. Lengths keep texts apart whatever is in them.
-void DumpText(char what, std::string_view text, std::string* out) {
-  *out += what + std::to_string(text.size()) + ":";
-  *out += text;
-}
-
-void Dump(const reference::Node* node, std::string* out) {
-  if (node == nullptr) return;
-  *out += "(" + std::to_string(node->kind);
-  DumpText('n', node->name, out);
-  DumpText('v', node->value, out);
-  for (const auto& [name, value] : node->attributes) {
-    DumpText('a', name, out);
-    DumpText('=', value, out);
-  }
-  for (const auto& child : node->children) Dump(child.get(), out);
-  *out += ")";
-}
-
-void Dump(const CTreeNode* node, std::string* out) {
-  if (node == nullptr) return;
-  *out += "(" + std::to_string(dynamic_cast<const pktaus::CTreeHeaderNode*>(node)   ? reference::Node::kHeader
-                               : dynamic_cast<const pktaus::CTreeMarkupNode*>(node) ? reference::Node::kMarkup
-                                                                                    : reference::Node::kElement);
-  DumpText('n', node->GetName(), out);
-  DumpText('v', node->GetValue(), out);
-  for (const auto* attribute = node->GetFirstAttribute(); attribute != nullptr; attribute = attribute->next) {
-    DumpText('a', node->GetDocument()->NameOf(attribute->name), out);
-    DumpText('=', attribute->value, out);
-  }
-  for (const CTreeNode* child = node->GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
-    Dump(child, out);
-  }
-  *out += ")";
-}
-
-template <typename Header, typename Root>
-std::string Tree(const Header& header, const Root& root) {
-  std::string out = "header";
-  Dump(header, &out);
-  out += "root";
-  Dump(root, &out);
-  return out;
-}
-
-std::string Tree(const CTreeDocument& document) { return Tree(document.GetHeader(), document.GetRoot()); }
-std::string Tree(const reference::Document& document) { return Tree(document.header.get(), document.root.get()); }
-
-std::string SavedXml(const CTreeDocument& document) {
-  std::string out;
-  TextStream stream;
-  stream.CreateText(&out);
-  document.WriteXml(&stream);
-  stream.Close();
-  return out;
-}
-
-void ReadXml(std::string_view bytes, CTreeDocument* document) {
-  TextStream stream;
-  stream.OpenText(bytes);
-  document->ReadXml(&stream);
-}
-
-// Whether a second save must equal the first.
-bool SecondSaveEqual(const reference::Node& node) {
-  if (node.kind == reference::Node::kMarkup) return fuzz::MarkupReadsBack(node.name, node.value);
-  for (const auto& [name, value] : node.attributes) {
-    if (!fuzz::AttributeReadsBack(name)) return false;
-  }
-  for (const auto& child : node.children) {
-    if (!SecondSaveEqual(*child)) return false;
-  }
-  return true;
-}
-
-// Compares text by text. The documents are used again, as a load replaces all that they held but the names.
+// Compares text by text, and stops at a handful of differences.
 struct Oracle {
   int texts = 0;
-  int trees = 0;
-  int exceptions = 0;  // of the law of the second save
   int differences = 0;
-  CTreeDocument document;
-  CTreeDocument again;
+  fuzz::Comparison comparison;
 
-  void Differs(const char* what, std::string_view bytes, const std::string& is, const std::string& should) {
-    if (is == should) return;
-    ++differences;
-    ADD_FAILURE() << what << " of " << Legible(bytes) << "\n  is     " << Legible(is) << "\n  should "
-                  << Legible(should);
-  }
-
-  void Xml(const std::string& bytes) {
+  void Check(std::string (fuzz::Comparison::*compare)(std::string_view), const std::string& bytes) {
     if (differences > 5) return;
     ++texts;
-    const reference::Document expected = reference::ReadXml(bytes);
-    ReadXml(bytes, &document);
-    Differs("tree", bytes, Tree(document), Tree(expected));
-    if (!expected.header && !expected.root) return;
-    ++trees;
-    const std::string saved = SavedXml(document);
-    Differs("save", bytes, saved, reference::WriteXml(expected));
-    if (expected.root && !SecondSaveEqual(*expected.root)) {
-      ++exceptions;
-      return;
-    }
-    ReadXml(saved, &again);
-    Differs("second save", bytes, SavedXml(again), saved);
+    const std::string told = (comparison.*compare)(bytes);
+    if (told.empty()) return;
+    ++differences;
+    ADD_FAILURE() << told;
   }
-
-  void Ini(const std::string& bytes) {
-    for (const bool free_keys : {false, true}) {
-      if (differences > 5) return;
-      ++texts;
-      TextStream in;
-      in.OpenText(bytes);
-      document.ReadIni(&in, free_keys);
-      std::string saved;
-      TextStream out;
-      out.CreateText(&saved);
-      document.WriteIni(&out);
-      out.Close();
-      const reference::Document expected = reference::ReadIni(bytes, free_keys);
-      Differs("tree", bytes, Tree(document), Tree(expected));
-      Differs("save", bytes, saved, reference::WriteIni(expected));
-    }
-  }
+  void Xml(const std::string& bytes) { Check(&fuzz::Comparison::Xml, bytes); }
+  void Ini(const std::string& bytes) { Check(&fuzz::Comparison::Ini, bytes); }
 };
 
 /// All texts of up to `most` tokens, put into the frame at each '%'.
@@ -180,15 +59,24 @@ void ForEach(const World& world, int most, const std::string& text, const Check&
   for (const std::string& token : world.tokens) ForEach(world, most - 1, text + token, check);
 }
 
-int Longer() { return getenv("PKTAUS_ORACLE") != nullptr ? 1 : 0; }
+// The sanitizers take thirty times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kUsual = -1;
+#else
+constexpr int kUsual = 0;
+#endif
+
+int Longer() { return getenv("PKTAUS_ORACLE") != nullptr ? 1 : kUsual; }
+
+/// A number of random texts: many, the usual or few.
+int Many(int many, int usual) { return Longer() > 0 ? many : Longer() == 0 ? usual : usual / 10; }
 
 void CheckWorlds(const std::vector<World>& worlds, void (Oracle::*check)(const std::string&)) {
   for (const World& world : worlds) {
     SCOPED_TRACE(world.name);
     Oracle oracle;
     ForEach(world, world.most + Longer(), "", [&](const std::string& bytes) { (oracle.*check)(bytes); });
-    std::printf("%-24s %8d texts %8d trees, %d may change in a second save\n", world.name, oracle.texts, oracle.trees,
-                oracle.exceptions);
+    EXPECT_GT(oracle.texts, 0);
   }
 }
 
@@ -282,7 +170,7 @@ TEST(AgainstReference, ChainsOfTags) {
                                           "<!--", "-->", "<![",  "]>",   "<!a>", "<!b>", "/>", "\"", " ", "<b/>"};
   std::mt19937 random(1);
   Oracle oracle;
-  for (int i = 0; i < (Longer() ? 2000000 : 50000); ++i) {
+  for (int i = 0; i < Many(2000000, 50000); ++i) {
     const std::size_t kinds = 2 + random() % (kBits.size() - 1);
     const std::size_t first = random() % kBits.size();
     std::string text = "<a>";
@@ -291,14 +179,11 @@ TEST(AgainstReference, ChainsOfTags) {
     }
     oracle.Xml(text + "</a>");
   }
-  std::printf("%d chains, %d trees, %d may change in a second save\n", oracle.texts, oracle.trees, oracle.exceptions);
 }
 
 TEST(AgainstReference, BrokenNasDocuments) {
   Oracle oracle;
-  for (const std::string& text : BrokenDocuments(Longer() ? 200000 : 20000)) oracle.Xml(text);
-  std::printf("%d documents, %d trees, %d may change in a second save\n", oracle.texts, oracle.trees,
-              oracle.exceptions);
+  for (const std::string& text : BrokenDocuments(Many(200000, 20000))) oracle.Xml(text);
 }
 
 // The folder for temporary files, for a block.

@@ -1,4 +1,4 @@
-#include "tests/tree_oracle/reference_xml.h"
+#include "fuzz/reference_tree.h"
 
 #include <array>
 
