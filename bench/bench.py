@@ -7,6 +7,7 @@ other; a peak is the largest resident size. Inputs and outputs lie in a folder i
 import os
 import shutil
 import statistics
+import subprocess
 import sys
 import tempfile
 
@@ -204,6 +205,13 @@ def row_walk(bench):
     against("walk over 1,000,000 records, CPU to a plain loop", bench.ours("walk", table), bench.peer("table", table), 3.0, 9)
 
 
+def row_sheet(bench):
+    ours = bench.ours("sheet", bench.input("extended.dbf"))
+    command = [os.path.join(bench.bin, "pktaus-bench"), "sheet", bench.input("extended.dbf")]
+    walks, _, _ = subprocess.run(command, capture_output=True, text=True, check=True).stdout.partition(" walks")
+    row("point sheet on 1,000,000 points, walks", float(walks), 2.0, f"{seconds([ours() for _ in range(5)]):.3f} s")
+
+
 def row_exportdialog(bench):
     growth("export dialog, 10,000 to 100,000 points", bench.ours("exportdialog", bench.input("10k.dbf")),
            bench.ours("exportdialog", bench.input("100k.dbf")), None, 7)
@@ -211,7 +219,8 @@ def row_exportdialog(bench):
 
 ROWS = {"xml": row_xml, "xml-lf": row_xml_lf, "xml-names": row_xml_names, "xml-values": row_xml_values,
         "dbf-first": row_dbf_first, "dbf-later": row_dbf_later, "batch": row_batch, "ini": row_ini, "catalog": row_catalog,
-        "reserved": row_reserved, "lookup": row_lookup, "walk": row_walk, "exportdialog": row_exportdialog}
+        "reserved": row_reserved, "lookup": row_lookup, "walk": row_walk, "sheet": row_sheet,
+        "exportdialog": row_exportdialog}
 
 
 def main():

@@ -26,6 +26,7 @@ const Work kWork[] = {
     {"catalog", "FILE", 1, [](char** a) { return BenchCatalog(a[0]); }},
     {"reserved", "FOLDER", 1, [](char** a) { return BenchReserved(a[0]); }},
     {"walk", "TABLE", 1, [](char** a) { return BenchWalk(a[0]); }},
+    {"sheet", "TABLE", 1, [](char** a) { return BenchSheet(a[0]); }},
     {"exportdialog", "TABLE", 1, [](char** a) { return BenchExportDialog(a[0]); }},
 };
 

@@ -29,6 +29,7 @@ int BenchBatch(const char* tmpl, long points, const char* out);  ///< WriteBatch
 int BenchCatalog(const char* file);                              ///< load of a catalogue
 int BenchReserved(const char* folder);                           ///< ReadReservedNumbers
 int BenchWalk(const char* table);                                ///< point_read_at over all records
+int BenchSheet(const char* table);                               ///< open a point in the sheet, take OK
 int BenchExportDialog(const char* table);                        ///< open, tick all, choose
 
 }  // namespace pktaus

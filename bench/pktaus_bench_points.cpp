@@ -1,7 +1,6 @@
 // Work on many points: look up, walk, choose in the export dialog, write.
 #include <charconv>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -9,45 +8,16 @@
 
 #include "base/path.h"
 #include "bench/pktaus_bench.h"
+#include "bench/pktaus_bench_project.h"
 #include "dialogs/export_dialog.h"
 #include "entry/host/desktop.h"
 #include "entry/host/host.h"
-#include "korvo/host/project.h"
 #include "nas/batch.h"
 #include "store/point_table.h"
 #include "tests/support/scripted_desktop.h"
 
 namespace pktaus {
 namespace {
-
-/// A folder that holds one table as a project, and is open as one.
-class Project {
- public:
-  explicit Project(const char* table) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "pktaus_bench_XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) return;
-    folder_ = pattern;
-    std::error_code failed;
-    std::filesystem::create_symlink(std::filesystem::absolute(table), File("punkte.dbf"), failed);
-    open_ = !failed && korvo::OpenProject(folder_).open;
-    if (open_) columns_bind();
-  }
-  ~Project() {
-    korvo::CloseProject();
-    std::error_code ignored;
-    if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
-  }
-  Project(const Project&) = delete;
-  Project& operator=(const Project&) = delete;
-
-  bool open() const { return open_; }
-  std::string File(const char* name) const { return folder_ + "/" + name; }
-  const std::string& folder() const { return folder_; }
-
- private:
-  std::string folder_;
-  bool open_ = false;
-};
 
 std::string Metres(double value) {
   char text[64];
@@ -57,7 +27,7 @@ std::string Metres(double value) {
 }  // namespace
 
 int BenchLookup(const char* table, const char* names) {
-  const Project project(table);
+  const BenchProject project(table);
   if (!project.open()) return 1;
   Phases phases;
   std::ifstream file(names);
@@ -76,7 +46,7 @@ int BenchLookup(const char* table, const char* names) {
 }
 
 int BenchWalk(const char* table) {
-  const Project project(table);
+  const BenchProject project(table);
   if (!project.open()) return 1;
   Phases phases;
   long read = 0;
@@ -118,7 +88,7 @@ int BenchBatch(const char* tmpl, long m, const char* out) {
 
 /// Opens the dialog, ticks all and chooses; the picker is cancelled, so that nothing is written.
 int BenchExportDialog(const char* table) {
-  const Project project(table);
+  const BenchProject project(table);
   if (!project.open()) return 1;
   std::ofstream(project.File("16Bench.XML")) << "<r/>";
   SetPluginFolder(project.folder());
