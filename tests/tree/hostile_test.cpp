@@ -39,31 +39,21 @@ TEST(Hostile, ReadsEachByteAFewTimes) {
     const char* tree;  // for n = 3
   } kFamilies[] = {
       {"doubled tags", [](auto n) { return "<r>" + Times(n, "<a><a></a>"); }, 9000, "-"},
-      {"doubled tags in a root", [](auto n) { return "<r>" + Times(n, "<a><a></a>") + "</r>"; }, 9000, "-"},
       {"lists in lists", [](auto n) { return Times(n, "<u>") + Times(n, "<li><u><li>x</li>") + Times(n, "</u>"); },
        3000, "-"},
       {"tags as names", [](auto n) { return Times(n, "<</a><a><a>"); }, 3000, "-"},
       {"never closed", [](auto n) { return Times(n, "<a>"); }, 100000, "-"},
       {"never closed in a root", [](auto n) { return "<r>" + Times(n, "<a>") + "</r>"; }, 9000, "r"},
-      {"never closed, with values", [](auto n) { return "<r>" + Times(n, "<a>x") + "</r>"; }, 9000, "r"},
       {"many attributes", [](auto n) { return "<a" + Attributes(n) + "/>"; }, 100000, "a[a0=0 a1=1 a2=2]"},
-      {"many attributes, never closed", [](auto n) { return "<r><b><a" + Attributes(n) + "</b></r>"; }, 100000, "r(b)"},
-      {"open comments", [](auto n) { return "<r>" + Times(n, "<g><p><!--</g>") + "</r>"; }, 20000, "r(g g g)"},
       {"open sections", [](auto n) { return "<r>" + Times(n, "<g><p><![</g>") + "</r>"; }, 20000, "r(g g g)"},
       {"sections that end one by one",
        [](auto n) { return "<r>" + Times(n, "<g><p><![</g>") + Times(n, "]x") + "</r>"; }, 20000, "r\"]x]x]x\"(g g g)"},
-      {"quotes that swallow tags", [](auto n) { return "<r>" + Times(n, "<p><![\"]x<a \"</p>") + "</r>"; }, 20000,
-       "r(p(![\"\"\") p(![\"\"\") p(![\"\"\"))"},
       {"quotes that swallow tags up to one end",
        [](auto n) { return "<r>" + Times(n, "<g><p><![\"]x<a \"</g>") + "\"/></r>"; }, 20000, "r\"\"/>\"(g g g)"},
       {"end tags as attributes, then children",
        [](auto n) { return "<q>" + Times(n, "<r><s </r>") + Times(n, "<x/>") + "</q>"; }, 9000, "q(r r r x x x)"},
-      {"end tags as attributes, then blanks",
-       [](auto n) { return "<q>" + Times(n, "<r><s </r>") + Times(n, "   ") + "</q>"; }, 9000, "q(r r r)"},
       {"end tags as attributes, then a long value",
        [](auto n) { return "<q>" + Times(n, "<r><s </r>") + Times(n, "xyz") + "</q>"; }, 9000, "q\"xyzxyzxyz\"(r r r)"},
-      {"markup never closed", [](auto n) { return "<r>" + Times(n, "<!a>") + "</r>"; }, 9000, "r"},
-      {"blanks between failures", [](auto n) { return "<r>" + Times(n, "<a>          ") + "</r>"; }, 9000, "r"},
       {"names that the end of the file cuts off",
        [](auto n) { return "<r>" + Times(n, "<A><g><![</A>") + Times(n, "]x<b"); }, 9000, "-"},
       {"a name in a name, with a long run of slashes",
@@ -76,7 +66,6 @@ TEST(Hostile, ReadsEachByteAFewTimes) {
        },
        100, "-"},
       {"quotes alone", [](auto n) { return "<r>" + Times(n, "<a \"") + "</r>"; }, 100000, nullptr},
-      {"DOCTYPE and no slash", [](auto n) { return "<!DOCTYPE a><r>" + Times(n, "<a>") + "</r>"; }, 9000, "r"},
       {"high bytes", [](auto n) { return "<?x?>" + Times(n, "\xFF") + "<a>" + Times(n, "\xC3\xA4\xC3") + "</a>"; },
        100000, nullptr},
   };
@@ -84,22 +73,16 @@ TEST(Hostile, ReadsEachByteAFewTimes) {
     if (family.tree != nullptr) {
       EXPECT_EQ(TreeText(ReadXmlText(family.xml(3))->GetRoot()), family.tree) << family.what;
     }
-    const std::string xml = family.xml(family.most);
-    CTreeDocument document;
-    pktaus::TextStream stream;
-    stream.OpenText(xml);
-    document.ReadXml(&stream);
-    EXPECT_LE(stream.ByteReads(), fuzz::kMostReads * xml.size()) << family.what;
+    // A small file too: what doubles with every tag shows there first.
+    for (const std::size_t n : {std::size_t{32}, family.most}) {
+      const std::string xml = family.xml(n);
+      CTreeDocument document;
+      pktaus::TextStream stream;
+      stream.OpenText(xml);
+      document.ReadXml(&stream);
+      EXPECT_LE(stream.ByteReads(), fuzz::kMostReads * xml.size()) << family.what;
+    }
   }
-}
-
-TEST(Hostile, SmallButExponential) {
-  const std::string xml = "<r>" + Times(32, "<a><a></a>");
-  pktaus::TextStream stream;
-  stream.OpenText(xml);
-  CTreeDocument document;
-  document.ReadXml(&stream);
-  EXPECT_LE(stream.ByteReads(), fuzz::kMostReads * xml.size());
 }
 
 std::string Nested(std::size_t levels) { return Times(levels, "<a>") + Times(levels, "</a>"); }
