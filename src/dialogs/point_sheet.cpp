@@ -36,6 +36,9 @@ constexpr const char* kLineBreak = "\r\r\n";
 constexpr const char* kGivenLater = "Wird automatisch vergeben";
 constexpr const char* kOriginalXmlCaption = "Original XML ...";
 constexpr const char* kReservedCaption = "Reservierte PKTN. ...";
+constexpr const char* kRemoveWarning =
+    "Achtung, von diesem Vermessungspunkt werden die PKT_AUS Einstellungen entfernt.\n\rDer Dialog schließt danach "
+    "automatisch"_ansi;
 
 /// Code of "not marked" in the lists of marks.
 constexpr std::int32_t kNotMarkedCode = 9500;
@@ -221,13 +224,13 @@ void CPointSheetDlg::LoadBundeslandCatalogue() {
 
   const std::string before = types_.selection() != nullptr ? types_.selection()->label : "";
   types_.Clear();
-  int kept = 0;
+  int kept = -1;
   int row = 0;
   for (const CatalogObject* type = FirstCatalogObject(); type != nullptr; type = type->next, ++row) {
     types_.Add({.label = type->name, .value = row, .text = {}});
-    if (before == type->name) kept = row;
+    if (kept < 0 && before == type->name) kept = row;
   }
-  types_.Select(kept);
+  types_.Select(std::max(kept, 0));
   AdaptToObjectType();
 }
 
@@ -379,11 +382,8 @@ void CPointSheetDlg::ChooseReservedFolder() {
 }
 
 void CPointSheetDlg::Remove() {
-  const int answer = message_box(
-      "Achtung, von diesem Vermessungspunkt werden die PKT_AUS Einstellungen entfernt.\n\rDer Dialog schließt danach "
-      "automatisch"_ansi,
-      "Warnung!", toolkit::kBoxOkCancel | toolkit::kBoxWarning);
-  if (answer != toolkit::kAnswerOk) return;
+  constexpr unsigned kFlags = toolkit::kBoxOkCancel | toolkit::kBoxWarning;
+  if (message_box(kRemoveWarning, "Warnung!", kFlags) != toolkit::kAnswerOk) return;
   remove_confirmed_ = true;
   End(toolkit::kCancel);
 }
