@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/bounded.h"
+#include "base/path.h"
 #include "base/text.h"
 #include "catalog/catalog_store.h"
 #include "entry/host/desktop.h"
@@ -176,7 +177,7 @@ class PointSheet : public testing::Test {
   int OpenSettings(const Person& person) {
     PointRecord defaults = get_catalog_store()->defaults;
     desktop_.persons.push_back(person);
-    return point_sheet(nullptr, 0, 0, &defaults, 1);
+    return point_sheet("", 0, 0, &defaults, 1);
   }
   static void Ok(Dialog& dialog) { dialog.Handle(Pressed{toolkit::kOk}); }
 
@@ -222,7 +223,8 @@ TEST_F(PointSheet, ShowsTheSettingsOnTwoPages) {
   const std::string head =
       "7021|7004Antragsnummer:|7005Auftragsnummer:|7006Bundesland|7011Organisationsname|"
       "7008Objektart:|7050|";
-  const std::string foot = "7074Weitere Punktorte|7076alt.xml|7077" + plugin_.path().substr(5) + "|1OK|2Abbruch|";
+  const std::string foot =
+      "7074Weitere Punktorte|7076alt.xml|7077" + std::string(path::FileName(plugin_.path())) + "|1OK|2Abbruch|";
   OpenSettings([&](Dialog& dialog) {
     EXPECT_TRUE(Text(dialog, 7021).starts_with("In den TABs stellen Sie Defaultwerte für alle"_ansi));
     EXPECT_EQ(Text(dialog, kOrganisation), "Muster");
@@ -237,11 +239,6 @@ TEST_F(PointSheet, ShowsTheSettingsOnTwoPages) {
                                 foot);
     EXPECT_EQ(dialog.Handle(PageTurned{kPages, 2}), Answer::kNoSuchEntry);
   });
-}
-
-TEST_F(PointSheet, AnEmptyNumberMeansTheSettings) {
-  desktop_.persons.push_back([](Dialog& dialog) { EXPECT_TRUE(Shown(dialog, kOrganisation)); });
-  point_sheet("", 0, 0, &record_, 1);
 }
 
 struct ListCase {
@@ -288,13 +285,13 @@ TEST_F(PointSheet, ListsShowAndStoreTheCodesOfTheCatalogue) {
 }
 
 TEST_F(PointSheet, ObjectTypeDecidesWhatIsShownAndHiddenListsKeepTheirChoice) {
-  record_.abm = 1000;
+  record_.abm = 9500;
   record_.art = 1100;
   Open([&](Dialog& dialog) {
     Choose(dialog, kArt, "Traufe");
     Choose(dialog, kTypes, "Aufnahmepunkt");
     EXPECT_EQ(Labels(dialog, kAbm), "Rohr|Stein|");
-    EXPECT_EQ(Selected(dialog, kAbm), "Stein");
+    EXPECT_EQ(Selected(dialog, kAbm), "-") << "no code of no mark";
     for (const ControlId hidden : {kPkn, kAsk, kFromNumber, kCheck, kArt, kBza, kZst, kHin, kLzv, kHasDay, kDay}) {
       EXPECT_FALSE(Shown(dialog, hidden)) << hidden;
     }
@@ -303,39 +300,14 @@ TEST_F(PointSheet, ObjectTypeDecidesWhatIsShownAndHiddenListsKeepTheirChoice) {
     EXPECT_EQ(Labels(dialog, kArt) + Selected(dialog, kArt), "First|Traufe|Traufe");
     Ok(dialog);
   });
-  EXPECT_EQ(std::tuple(record_.oa, record_.po, record_.abm, record_.art), std::tuple(2, 2, 1000, 1200));
+  EXPECT_EQ(std::tuple(record_.oa, record_.po, record_.abm, record_.art), std::tuple(2, 2, -1, 1200));
 }
 
-TEST_F(PointSheet, WithoutTheCodeOfNoMarkNothingIsSelected) {
-  record_.abm = 9500;
-  Open([&](Dialog& dialog) {
-    Choose(dialog, kTypes, "Aufnahmepunkt");
-    EXPECT_EQ(Selected(dialog, kAbm), "-");
-    Choose(dialog, kTypes, "Grenzpunkt");
-    EXPECT_EQ(Selected(dialog, kAbm), "Ohne Marke");
-    EXPECT_TRUE(Shown(dialog, kArt));
-  });
-}
-
-TEST_F(PointSheet, KindOfPositionObjectFollowsTheCatalogue) {
-  const struct {
-    const char* type;
-    std::int32_t po;
-  } kCases[] = {{"Grenzpunkt", 1}, {"Aufnahmepunkt", 2}, {"Sonder", 3}};
-  for (const auto& c : kCases) {
-    record_.po = 0;
-    put(record_.pkn, kIdentifier);
-    Open([&](Dialog& dialog) {
-      Choose(dialog, kTypes, c.type);
-      Ok(dialog);
-    });
-    EXPECT_EQ(record_.po, c.po) << c.type;
-  }
+TEST_F(PointSheet, AnotherKindOfPositionObjectLeavesItsNumber) {
   get_catalog_store()->defaults.bundesland = 9;
-  record_.oa = 0;
   record_.po = 7;
-  Open(Ok);
-  EXPECT_EQ(record_.po, 7) << "PunktortXY";
+  EXPECT_EQ(Open(Ok), 1);
+  EXPECT_EQ(record_.po, 7);
 }
 
 TEST_F(PointSheet, TypedTextCountsOnceItIsRead) {
@@ -693,37 +665,13 @@ TEST_F(PointSheet, ChangeOfStateKeepsTheObjectTypeByName) {
   EXPECT_EQ(get_catalog_store()->catalog_number, 16) << "the next sheet does";
 }
 
-TEST_F(PointSheet, SettingsAreStoredAndSaved) {
-  CCatalogStore& store = *get_catalog_store();
-  store.defaults.dat = 1456909503;
-  EXPECT_EQ(OpenSettings([&](Dialog& dialog) {
-              dialog.Handle(Typed{kApplication, "A-7"});
-              dialog.Handle(Typed{kOrganisation, "Büro"_ansi});
-              Choose(dialog, kTypes, "Aufnahmepunkt");
-              EXPECT_EQ(Text(dialog, kApplication), "") << "typed before, and not read";
-              dialog.Handle(Typed{kApplication, "A-8"});
-              dialog.Handle(Typed{kOrganisation, "Büro"_ansi});
-              Choose(dialog, kAbm, "Rohr");
-              Ok(dialog);
-            }),
-            1);
-  EXPECT_EQ(std::tuple(store.defaults.bundesland, store.defaults.oa, store.defaults.abm, store.defaults.dat),
-            std::tuple(16, 2, 3000, 1456909503));
-  EXPECT_STREQ(store.defaults.antragn, "A-8");
-  EXPECT_EQ(store.organisation, "Büro"_ansi);
-  const std::string saved = support::BytesOf(plugin_.File("pktausout.ini"));
-  for (const char* line : {"PUNKTTYPE = \"Aufnahmepunkt\"", "ANTRAGNUMMER = \"A-8\"", "ABM = \"3000\"",
-                           "ORGANISATION = \"Büro\""_ansi, "ORIGXML = \"C:\\nas\\alt.xml\""}) {
-    EXPECT_NE(saved.find(line), std::string::npos) << line;
-  }
-}
-
 TEST_F(PointSheet, PathsAreChosenInTheSettings) {
   CCatalogStore& store = *get_catalog_store();
   std::string title, text;
   const auto label = [](Dialog& dialog, ControlId id) { return dialog.Find(id)->label(); };
   desktop_.paths = {"/daten/neu.xml", std::nullopt, std::nullopt, plugin_.path() + "/"};
   put(store.defaults.antragn, "2026-0042");
+  store.defaults.dat = 1456909503;
   OpenSettings([&](Dialog& dialog) {
     dialog.Handle(Pressed{kOriginalXml});
     EXPECT_EQ(label(dialog, kOriginalXml), "neu.xml");
@@ -736,6 +684,7 @@ TEST_F(PointSheet, PathsAreChosenInTheSettings) {
     EXPECT_EQ(store.orig_xml, "C:\\nas\\alt.xml") << "before OK";
     Ok(dialog);
   });
+  EXPECT_EQ(store.defaults.dat, 1456909503) << "the date is hidden, and kept";
   EXPECT_EQ(store.orig_xml, "") << "cancelled in the picker";
   EXPECT_EQ(store.point_xml_folder, plugin_.path()) << "cancelled in the picker";
 
