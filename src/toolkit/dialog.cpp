@@ -10,54 +10,33 @@ namespace toolkit {
 
 namespace {
 
-/// The control class that an event changes.
+template <class C, Kind K>
+struct Changes {
+  using Type = C;
+  static constexpr Kind kKind = K;
+};
+
+/// The control that an event changes.
 template <class E>
 struct Target;
 template <>
-struct Target<Typed> {
-  using Type = TextField;
-  static constexpr Kind kKind = Kind::kText;
-};
+struct Target<Typed> : Changes<TextField, Kind::kText> {};
 template <>
-struct Target<Pressed> {
-  using Type = Button;
-  static constexpr Kind kKind = Kind::kButton;
-};
+struct Target<Pressed> : Changes<Button, Kind::kButton> {};
 template <>
-struct Target<BoxTicked> {
-  using Type = TickBox;
-  static constexpr Kind kKind = Kind::kTickBox;
-};
+struct Target<BoxTicked> : Changes<TickBox, Kind::kTickBox> {};
 template <>
-struct Target<OptionChosen> {
-  using Type = RadioGroup;
-  static constexpr Kind kKind = Kind::kRadioGroup;
-};
+struct Target<OptionChosen> : Changes<RadioGroup, Kind::kRadioGroup> {};
 template <>
-struct Target<DaySet> {
-  using Type = DateField;
-  static constexpr Kind kKind = Kind::kDate;
-};
+struct Target<DaySet> : Changes<DateField, Kind::kDate> {};
 template <>
-struct Target<EntrySelected> {
-  using Type = ChoiceList;
-  static constexpr Kind kKind = Kind::kChoice;
-};
+struct Target<EntrySelected> : Changes<ChoiceList, Kind::kChoice> {};
 template <>
-struct Target<RowTicked> {
-  using Type = TickList;
-  static constexpr Kind kKind = Kind::kTickList;
-};
+struct Target<RowTicked> : Changes<TickList, Kind::kTickList> {};
 template <>
-struct Target<RowSelected> {
-  using Type = TickList;
-  static constexpr Kind kKind = Kind::kTickList;
-};
+struct Target<RowSelected> : Changes<TickList, Kind::kTickList> {};
 template <>
-struct Target<PageTurned> {
-  using Type = Pages;
-  static constexpr Kind kKind = Kind::kPages;
-};
+struct Target<PageTurned> : Changes<Pages, Kind::kPages> {};
 
 bool Has(std::size_t count, int position) { return position >= 0 && static_cast<std::size_t>(position) < count; }
 
