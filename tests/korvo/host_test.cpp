@@ -7,15 +7,10 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
-#include <string>
 
 #include "korvo/host/points.h"
-#include "korvo/host/project.h"
 #include "tests/support/open_project.h"
 #include "tests/support/scripted_desktop.h"
-#include "tests/support/table_file.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -27,48 +22,25 @@ support::TableFile OnePoint(const char* number = "4711") {
   return table;
 }
 
-TEST(HostTexts, PaddingGoesAtBothEnds) {
-  const struct {
-    const char* before;
-    const char* after;
-  } cases[] = {{"  a b  ", "a b"}, {"ab", "ab"}, {"   ", ""}, {"", ""}, {" a", "a"}, {"a ", "a"}};
-  for (const auto& c : cases) {
+TEST(HostTexts, LosePaddingAtBothEndsAndDerivedPathsAreWholeOrEmpty) {
+  const std::pair<const char*, const char*> kPadded[] = {{"  a b  ", "a b"}, {"   ", ""}, {"", ""}, {"a ", "a"}};
+  for (const auto& [before, after] : kPadded) {
     char text[20];
-    std::strcpy(text, c.before);
-    strcdel(text, ' ', 1);
-    EXPECT_STREQ(text, c.after);
+    strcdel(std::strcpy(text, before), ' ', 1);
+    EXPECT_STREQ(text, after);
   }
-}
-
-TEST(HostTexts, DerivedPathsAreWholeOrEmpty) {
   const std::string stem(65, 'a');
-  const struct {
-    std::string path;
-    const char* extension;
-    std::string derived;
-  } cases[] = {
-      {"/p/punkte.dbf", "nxk", "/p/punkte.nxk"},
-      {"/p.q/punkte", "nxk", "/p.q/punkte.nxk"},
-      {"/p/a.b.dbf", "nxk", "/p/a.b.nxk"},
-      {stem + ".dbf", "nxk", stem + ".nxk"},
-      {stem + "b.dbf", "nxk", ""},
-      {std::string(300, 'a') + ".dbf", "nxk", ""},
-      {"/p/punkte.dbf", "", ""},
-      {"", "nxk", ""},
-  };
-  for (const auto& c : cases) {
-    char derived[70];
-    std::memset(derived, '?', sizeof derived);
-    EXPECT_EQ(ext_change(derived, c.path.c_str(), c.extension), derived);
-    EXPECT_EQ(derived, c.derived);
+  const std::pair<std::string, std::string> kDerived[] = {
+      {"/p.q/punkte", "/p.q/punkte.nxk"},   {"/p/a.b.dbf", "/p/a.b.nxk"},
+      {stem + ".dbf", stem + ".nxk"},       {stem + "b.dbf", ""},
+      {std::string(300, 'a') + ".dbf", ""}, {"", ""}};
+  for (const auto& [path, expected] : kDerived) {
+    char derived[70] = "?";
+    EXPECT_EQ(ext_change(derived, path.c_str(), "nxk"), derived);
+    EXPECT_EQ(derived, expected);
   }
-}
-
-TEST(HostTexts, NoExtensionIsThatOfATable) {
   for (const int number : {16, 9, 11, 51, 34, 10, 38, 35, 36, 37, 48, 47}) {
-    const std::string extension = ext(number);
-    EXPECT_EQ(extension.size(), 3u);
-    EXPECT_EQ(extension.substr(0, 2), "nx");
+    EXPECT_TRUE(std::string(ext(number)).starts_with("nx")) << number;  // no table's own
   }
   EXPECT_STREQ(ext(0), "");
 }
@@ -79,25 +51,21 @@ TEST(HostTables, EveryOperationSurvivesNullAndClosedTables) {
   HostTable* points = V2_VAR->points;
   ASSERT_NE(points, nullptr);
   EXPECT_EQ(points->path, project.table_path());
-  d4select(points->data);
   void* data = points->data;
+  d4select(data);
   void* pt_no = f4ref("PT_NO");
   d4go(1);
   ASSERT_EQ(std::string(f4str(pt_no)), "4711           ");
-
-  const auto read = [&](HostTable* table) {
+  const auto reads = [](HostTable* table) {
     HostPoint point{};
     std::int32_t error = 0;
     vm_dbk_read(table, &point, 1, &error);
-    return error;
+    return error == 0;
   };
-  EXPECT_EQ(read(points), 0);
-  EXPECT_NE(read(nullptr), 0);
-  EXPECT_NE(read(V2_VAR->dba), 0);
-
+  EXPECT_TRUE(reads(points));
   vm_dbk_close(points);
   vm_dbk_close(points);
-  EXPECT_NE(read(points), 0);
+  for (HostTable* none : {points, V2_VAR->dba, static_cast<HostTable*>(nullptr)}) EXPECT_FALSE(reads(none));
   for (void* handle : {data, points->data, static_cast<void*>(nullptr)}) {
     d4select(handle);
     EXPECT_EQ(d4reccount(), 0);
@@ -111,25 +79,19 @@ TEST(HostTables, EveryOperationSurvivesNullAndClosedTables) {
   EXPECT_EQ(f4double(pt_no), 0);
   f4r_str(pt_no, "x");
   f4r_double(pt_no, 1);
-  EXPECT_EQ(read(points), 0);
+  EXPECT_TRUE(reads(points));
 
   // A host without these tables gets the same calls.
   vm_dba_open(nullptr, 1), vm_dba_nxh_select(nullptr), vm_dba_close(nullptr);
   vm_dbv_open(nullptr, 1, 1), vm_dbv_nxv_select(nullptr), vm_dbv_nxw_select(nullptr), vm_dbv_close(nullptr);
   vm_dbh_open(nullptr, 1, 1), vm_dbh_nxi_select(nullptr), vm_dbh_nxo_select(nullptr), vm_dbh_close(nullptr);
   vm_dbk_open(nullptr, 1, 1), vm_dbk_nxk_select(nullptr), vm_dbk_nxs_select(nullptr), vm_dbk_close(nullptr);
-  vm_dbk_read(points, nullptr, 1, nullptr);
-  vm_koor_clear(nullptr), db_i_select(nullptr), strcdel(nullptr, ' ', 1), f4ref(nullptr),
-      _load_men(nullptr, nullptr, 30);
+  vm_dbk_read(points, nullptr, 1, nullptr), f4ref(nullptr);
   EXPECT_EQ(get_menu_no(nullptr, 1, nullptr), 0);
   EXPECT_NE(v2_point_ask(nullptr, nullptr, nullptr, 0), 0);
   EXPECT_TRUE(desktop.boxes.empty());
-}
 
-TEST(HostTables, AWriteThatFailsIsTold) {
-  support::ScriptedDesktop desktop;
-  const support::OpenProject project(OnePoint());
-  d4select(V2_VAR->points->data);
+  d4select(points->data);
   d4go(1);
   f4r_double(f4ref("ELEV"), 123456789);
   db_write(1);
@@ -139,31 +101,33 @@ TEST(HostTables, AWriteThatFailsIsTold) {
 }
 
 TEST(HostTables, APointNumberIsGivenWholeOrNotAtAll) {
-  const struct {
-    const char* number;
-    const char* given;  // null: no such point
-  } cases[] = {{"123456789012345", "123456789012345"}, {"1234567890123456", nullptr}, {"  7  ", "  7"}, {"", ""}};
-  for (const auto& c : cases) {
+  const std::pair<const char*, const char*> kNumbers[] = {
+      {"123456789012345", "123456789012345"}, {"1234567890123456", "no such point"}, {"  7  ", "  7"}, {"", ""}};
+  for (const auto& [number, given] : kNumbers) {
     support::TableFile table({{"PT_NO", 'C', 20}});
-    table.Add({{"PT_NO", c.number}});
+    table.Add({{"PT_NO", number}});
     const support::OpenProject project(table);
     HostPoint point{};
     std::int32_t error = -1;
     vm_dbk_read(V2_VAR->points, &point, 1, &error);
-    EXPECT_EQ(error == 0, c.given != nullptr) << c.number;
-    if (c.given != nullptr) {
-      EXPECT_STREQ(point.pt_no, c.given);
-    }
+    EXPECT_STREQ(error == 0 ? point.pt_no : "no such point", given);
   }
 }
 
-TEST(HostTables, CompanionsHaveHandlesAndDerivedFilesComeBack) {
-  const support::TempFolder folder;
-  folder.Write("punkte.dbf", OnePoint().Bytes());
-  folder.Write("punkte.dba", OnePoint().Bytes());
-  folder.Write("punkte.dbh", OnePoint().Bytes());
-  ASSERT_TRUE(korvo::OpenProject(folder.path()).open);
-  EXPECT_NE(V2_VAR->points, nullptr);
+class Project : public testing::Test {
+ protected:
+  ~Project() override { korvo::CloseProject(); }
+  korvo::OpenedProject Open(const std::string& path) {
+    korvo::CloseProject();
+    return korvo::OpenProject(path);
+  }
+  const std::string bytes = OnePoint().Bytes();
+  support::TempFolder folder;
+};
+
+TEST_F(Project, HasHandlesForCompanionsAndMakesDerivedFilesAnew) {
+  for (const char* name : {"punkte.dbf", "punkte.dba", "punkte.dbh"}) folder.Write(name, bytes);
+  ASSERT_TRUE(Open(folder.path()).open);
   ASSERT_NE(V2_VAR->dba, nullptr);
   EXPECT_EQ(V2_VAR->dba->path, folder.File("punkte.dba"));
   EXPECT_EQ(V2_VAR->dbv, nullptr);
@@ -175,88 +139,67 @@ TEST(HostTables, CompanionsHaveHandlesAndDerivedFilesComeBack) {
   EXPECT_EQ(V2_VAR->points, nullptr);
 }
 
-TEST(Project, FindsItsPointTableByRule) {
-  support::TableFile other({{"NAME", 'C', 5}});
-  const std::string points = OnePoint().Bytes();
-  const std::string foreign = other.Bytes();
-  struct File {
-    const char* name;
-    const std::string* bytes;
-  };
+TEST_F(Project, FindsItsPointTableByRule) {
+  const std::string foreign = support::TableFile({{"NAME", 'C', 5}}).Bytes();
   const struct {
-    std::vector<File> files;
-    const char* found;  // null: refused
-  } cases[] = {
-      {{}, nullptr},
-      {{{"lage.dbf", &points}}, "lage.dbf"},
-      {{{"lage.dbf", &foreign}}, "lage.dbf"},
-      {{{"a.dbf", &foreign}, {"lage.DBF", &points}}, "lage.DBF"},
-      {{{"a.dbf", &foreign}, {"b.dbf", &foreign}}, nullptr},
-      {{{"a.dbf", &points}, {"b.dbf", &points}}, nullptr},
-      {{{"a.dbf", &points}, {"PUNKTE.DBF", &foreign}}, "PUNKTE.DBF"},
-      {{{"punkte.txt", &points}}, nullptr},
-  };
+    std::vector<const char*> points, others;
+    const char* found;
+  } cases[] = {{{}, {}, "refused"},
+               {{"lage.dbf"}, {}, "lage.dbf"},
+               {{}, {"lage.dbf"}, "lage.dbf"},
+               {{"lage.DBF"}, {"a.dbf"}, "lage.DBF"},
+               {{}, {"a.dbf", "b.dbf"}, "refused"},
+               {{"a.dbf", "b.dbf"}, {}, "refused"},
+               {{"a.dbf"}, {"PUNKTE.DBF"}, "PUNKTE.DBF"},
+               {{"punkte.txt"}, {}, "refused"}};
   for (const auto& c : cases) {
-    const support::TempFolder folder;
-    for (const File& file : c.files) folder.Write(file.name, *file.bytes);
+    const support::TempFolder project;
+    for (const char* name : c.points) project.Write(name, bytes);
+    for (const char* name : c.others) project.Write(name, foreign);
     std::string why;
-    const auto found = korvo::FindPointTable(folder.path(), &why);
-    EXPECT_EQ(found.has_value(), c.found != nullptr) << why;
-    EXPECT_EQ(why.empty(), c.found != nullptr);
-    if (found && c.found != nullptr) {
-      EXPECT_EQ(*found, folder.File(c.found));
-    }
+    const auto found = korvo::FindPointTable(project.path(), &why);
+    EXPECT_EQ(found.value_or(project.File("refused")), project.File(c.found)) << why;
+    EXPECT_EQ(found.has_value(), why.empty()) << why;
   }
 }
 
-TEST(Project, PathsThatTheHostCannotHoldAreRefusedInWords) {
-  const support::TempFolder folder;
-  const auto open_in = [&](const std::string& name) {
+TEST_F(Project, PathsThatTheHostCannotHoldAreRefusedInWords) {
+  const std::string fits(69 - folder.path().size() - std::strlen("//punkte.dbf"), 'a');
+  const std::pair<std::string, std::string> kNames[] = {{fits, ""}, {fits + "a", "69"}, {"\xE2\x88\x91", "Zeichen"}};
+  for (const auto& [name, refusal] : kNames) {
     fs::create_directories(folder.File(name));
-    folder.Write(name + "/punkte.dbf", OnePoint().Bytes());
-    const korvo::OpenedProject opened = korvo::OpenProject(folder.File(name));
-    korvo::CloseProject();
-    EXPECT_EQ(opened.open, opened.refusal.empty());
-    return opened;
-  };
-  const std::size_t room = 69 - folder.path().size() - std::strlen("//punkte.dbf");
-  EXPECT_TRUE(open_in(std::string(room, 'a')).open);
-  const korvo::OpenedProject refused = open_in(std::string(room + 1, 'a'));
-  EXPECT_FALSE(refused.open);
-  EXPECT_NE(refused.refusal.find("69"), std::string::npos) << refused.refusal;
-  EXPECT_FALSE(open_in("\xE2\x88\x91").open);
-  // Behind a short link the same project opens.
-  fs::create_directory_symlink(folder.File(std::string(room + 1, 'a')), folder.File("kurz"));
-  const korvo::OpenedProject linked = korvo::OpenProject(folder.File("kurz"));
-  EXPECT_TRUE(linked.open) << linked.refusal;
-  korvo::CloseProject();
+    folder.Write(name + "/punkte.dbf", bytes);
+    const korvo::OpenedProject opened = Open(folder.File(name));
+    EXPECT_EQ(opened.open, refusal.empty()) << name;
+    EXPECT_NE(opened.refusal.find(refusal), std::string::npos) << opened.refusal;
+  }
+  fs::create_directory_symlink(folder.File(fits + "a"), folder.File("kurz"));
+  EXPECT_TRUE(Open(folder.File("kurz")).open);
 }
 
-TEST(Project, IsWorkedOnByOneAndFreeAgainAfterAKill) {
-  const support::TempFolder folder;
-  folder.Write("punkte.dbf", OnePoint().Bytes());
+TEST_F(Project, IsWorkedOnByOneAndFreeAgainAfterAKill) {
+  folder.Write("punkte.dbf", bytes);
   int ready[2];
   ASSERT_EQ(pipe(ready), 0);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    const bool open = korvo::OpenProject(folder.path()).open && korvo::WhyOnlyLooking().empty();
-    const char said = open ? 'y' : 'n';
-    if (write(ready[1], &said, 1) != 1) _exit(1);
+    const bool alone = Open(folder.path()).open && korvo::WhyOnlyLooking().empty();
+    if (!alone || write(ready[1], "y", 1) != 1) _exit(1);
     for (;;) pause();
   }
+  close(ready[1]);
   char said = 0;
-  ASSERT_EQ(read(ready[0], &said, 1), 1);
-  ASSERT_EQ(said, 'y');
-
-  korvo::OpenedProject second = korvo::OpenProject(folder.path());
-  EXPECT_TRUE(second.open) << second.refusal;
-  EXPECT_NE(second.note.find("Prozess " + std::to_string(child)), std::string::npos) << second.note;
-  EXPECT_EQ(korvo::PointRecords(), 1);
-  HostPoint point{};
-  EXPECT_TRUE(korvo::ReadPoint(1, &point));
-  EXPECT_FALSE(korvo::WhyOnlyLooking().empty());
-  {
+  EXPECT_EQ(read(ready[0], &said, 1), 1);
+  close(ready[0]);
+  // Another folder that leads to the same table is the same project.
+  const support::TempFolder leading;
+  fs::create_symlink(folder.File("punkte.dbf"), leading.File("punkte.dbf"));
+  for (const std::string& path : {leading.path(), folder.path()}) {
+    const std::string note = Open(path).note;
+    EXPECT_NE(note.find("Prozess " + std::to_string(child)), std::string::npos) << note;
+    HostPoint point{};
+    EXPECT_TRUE(korvo::ReadPoint(1, &point));
     support::ScriptedDesktop desktop;
     d4select(V2_VAR->points->data);
     d4go(1);
@@ -264,40 +207,24 @@ TEST(Project, IsWorkedOnByOneAndFreeAgainAfterAKill) {
     db_write(1);
     EXPECT_EQ(desktop.boxes.size(), 1u);
   }
-  EXPECT_EQ(support::BytesOf(folder.File("punkte.dbf")), OnePoint().Bytes());
-
-  // Another folder that leads to the same table is the same project.
-  const support::TempFolder leading;
-  fs::create_symlink(folder.File("punkte.dbf"), leading.File("punkte.dbf"));
-  second = korvo::OpenProject(leading.path());
-  EXPECT_NE(second.note.find("Prozess " + std::to_string(child)), std::string::npos) << second.note;
-
+  EXPECT_EQ(support::BytesOf(folder.File("punkte.dbf")), bytes);
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
-  second = korvo::OpenProject(folder.path());
-  EXPECT_TRUE(second.note.empty()) << second.note;
-  EXPECT_TRUE(korvo::WhyOnlyLooking().empty());
-  korvo::CloseProject();
-  close(ready[0]);
-  close(ready[1]);
+  EXPECT_EQ(Open(folder.path()).note + korvo::WhyOnlyLooking(), "");
 }
 
-TEST(Project, ThatCannotBeLockedIsOnlyLookedAtAndSaysWhy) {
-  const support::TempFolder folder;
-  folder.Write("punkte.dbf", OnePoint().Bytes());
+TEST_F(Project, ThatCannotBeLockedIsOnlyLookedAtAndSaysWhy) {
+  folder.Write("punkte.dbf", bytes);
   fs::create_symlink("nirgends", folder.File("korvo.sperre"));
-  EXPECT_NE(korvo::OpenProject(folder.path()).note.find("Verkn"), std::string::npos) << korvo::WhyOnlyLooking();
+  EXPECT_NE(Open(folder.path()).note.find("Verkn"), std::string::npos) << korvo::WhyOnlyLooking();
   EXPECT_FALSE(korvo::WhyOnlyLooking().empty());
-  korvo::CloseProject();
 }
 
-TEST(Project, ATableThatIsNoRegularOneIsLeftToThePlugin) {
-  const support::TempFolder folder;
+TEST_F(Project, ATableThatIsNoRegularOneIsLeftToThePlugin) {
   const std::string path = folder.Write("punkte.dbf", "no table at all");
-  const korvo::OpenedProject opened = korvo::OpenProject(folder.path());
-  EXPECT_TRUE(opened.open);
-  EXPECT_FALSE(opened.note.empty());
-  EXPECT_NE(V2_VAR->points, nullptr);
+  const korvo::OpenedProject opened = Open(folder.path());
+  EXPECT_TRUE(opened.open && !opened.note.empty());
+  ASSERT_NE(V2_VAR->points, nullptr);
   EXPECT_EQ(V2_VAR->points->data, nullptr);
   korvo::CloseProject();
   EXPECT_EQ(support::BytesOf(path), "no table at all");

@@ -61,45 +61,29 @@ class EverythingDlg : public toolkit::Dialog {
   toolkit::Button report_{9011, "Melden"}, ok_{toolkit::kOk, "OK"}, cancel_{toolkit::kCancel, "Abbruch"};
 };
 
-void Tell(const std::string& text, unsigned flags = toolkit::kBoxOk) {
-  const int answer = korvo_desktop->ShowBox(text, "Test", flags, 0);
-  if (flags != toolkit::kBoxOk) korvo_desktop->ShowBox(std::to_string(answer), "Antwort", toolkit::kBoxOk, 0);
-}
-
 void PickPoints() {
-  HostPoint point{};
-  std::int32_t kept = 0;
+  HostPoint point{}, found{};
+  std::int32_t kept = 0, error = 0;
   while (v2_point_ask(V2_VAR->points, &point, &kept, 0) == 0) {
     d4select(V2_VAR->points->data);
-    void* elev = f4ref("ELEV");
     for (std::int32_t i = 1; i <= d4reccount(); ++i) {
-      HostPoint found{};
-      std::int32_t error = 0;
       vm_dbk_read(V2_VAR->points, &found, i, &error);
       if (error != 0 || std::string(found.pt_no) != point.pt_no) continue;
       d4go(i);
-      f4r_double(elev, point.elev + 1);
+      f4r_double(f4ref("ELEV"), point.elev + 1);
       db_write(i);
       break;
     }
   }
 }
 
-void PickFile(bool save) {
+void PickFile() {
   toolkit::FilePick pick;
-  pick.save = save;
-  pick.title = "Datei";
-  pick.default_extension = "*";
+  pick.save = true;
   std::string path;
   int filter = -1;
   const bool picked = korvo_desktop->PickFile(pick, &path, &filter);
-  Tell(picked ? path : "nichts");
-}
-
-void DeleteDerived() {
-  char path[70];
-  ext_change(path, V2_VAR->points->path, ext(16));
-  Tell(path);
+  korvo_desktop->ShowBox(picked ? path : "nichts", "Test", toolkit::kBoxOk, 0);
 }
 
 }  // namespace
@@ -110,26 +94,17 @@ extern "C" __attribute__((visibility("default"))) std::int32_t pkt_aus(HostState
   _load_men("PKTAUMEN", &menu, 30);
   char text[100] = "";
   for (;;) {
-    switch (get_menu_no(menu, 1, text)) {
-      case 2: {
-        EverythingDlg dialog;
-        toolkit::RunModal(*korvo_desktop, dialog, 0);
-        break;
-      }
-      case 4:
-        Tell("ja oder nein?", toolkit::kBoxYesNo);
-        break;
-      case 6:
-        PickPoints();
-        break;
-      case 8:
-        PickFile(true);
-        break;
-      case 10:
-        DeleteDerived();
-        return 0;
-      default:
-        return 0;
+    const int command = get_menu_no(menu, 1, text);
+    if (command == 0) return 0;
+    if (command == 2) {
+      EverythingDlg dialog;
+      toolkit::RunModal(*korvo_desktop, dialog, 0);
     }
+    if (command == 4) {
+      const int answer = korvo_desktop->ShowBox("ja oder nein?", "Test", toolkit::kBoxYesNo, 0);
+      korvo_desktop->ShowBox(std::to_string(answer), "Antwort", toolkit::kBoxOk, 0);
+    }
+    if (command == 6) PickPoints();
+    if (command == 8) PickFile();
   }
 }
