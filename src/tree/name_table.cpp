@@ -47,7 +47,7 @@ NameId CNameTable::Intern(std::string_view name) {
   std::size_t at = hash & (slots_.size() - 1);
   for (; slots_[at].id != kNoName; at = (at + 1) & (slots_.size() - 1)) {
     const Slot& slot = slots_[at];
-    if (slot.hash == hash && slot.size == name.size() && std::memcmp(slot.text, name.data(), slot.size) == 0) {
+    if (slot.hash == hash && slot.size == name.size() && EqualBytes(slot.text, name.data(), slot.size)) {
       return slot.id;
     }
   }

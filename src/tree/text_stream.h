@@ -55,7 +55,7 @@ class TextStream {
   /// Reads `text` where it stands next; else reads nothing of it.
   bool Accept(std::string_view text) {
     if (static_cast<std::size_t>(end_ - next_) < text.size()) return AcceptSlowly(text);
-    if (std::memcmp(next_, text.data(), text.size()) != 0) return false;
+    if (!EqualBytes(next_, text.data(), text.size())) return false;
     next_ += text.size();
     return true;
   }
@@ -81,7 +81,9 @@ class TextStream {
   template <typename IsPart>
   void SkipWhile(IsPart is_part) {
     do {
-      while (next_ != end_ && is_part(static_cast<unsigned char>(*next_))) ++next_;
+      char* p = next_;
+      while (p != end_ && is_part(static_cast<unsigned char>(*p))) ++p;
+      next_ = p;
     } while (next_ == end_ && Fill());
   }
 
