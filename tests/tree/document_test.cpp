@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "fuzz/tree_inputs.h"
 #include "tests/support/faulty_files.h"
 #include "tests/support/temp_folder.h"
 #include "tests/tree/tree_text.h"
@@ -70,7 +71,7 @@ TEST(Node, FindsFromAStartAndKeepsAttributes) {
 
 TEST(Writers, Xml) {
   CTreeDocument document;
-  EXPECT_EQ(support::WriteXmlText(document), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n");
+  EXPECT_EQ(fuzz::SaveXml(document), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n");
   CTreeNode* root = document.NewTextNode("r", "\xE4&\xE9\n\xDF");
   root->SetAttribute("", "left out");
   root->SetAttribute("a", "\xE4");
@@ -80,7 +81,7 @@ TEST(Writers, Xml) {
   root->AddChild(child);
   child->AddChild(document.NewMarkupNode("[", "CDATA[x]"));
   document.SetRoot(root);
-  EXPECT_EQ(support::WriteXmlText(document),
+  EXPECT_EQ(fuzz::SaveXml(document),
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<r a=\"\xE4\">\r\n<!--\xE4-->\r\n\r\n<c>\r\n\t<d>3</d>\r\n\t"
             "<![CDATA[x]]>\r\n</c>\xC3\xA4&\xE9\r\n\xC3\x9F</r>");
 }

@@ -56,13 +56,4 @@ inline std::unique_ptr<pktaus::CTreeDocument> ReadXmlText(std::string_view xml) 
   return document;
 }
 
-inline std::string WriteXmlText(const pktaus::CTreeDocument& document) {
-  std::string out;
-  pktaus::TextStream stream;
-  stream.CreateText(&out);
-  document.WriteXml(&stream);
-  stream.Close();
-  return out;
-}
-
 }  // namespace support
