@@ -9,7 +9,8 @@
 namespace platform {
 
 Block TakeBlock(std::size_t size) {
-  const bool large = size > 0 && size % kLargePage == 0;
+  if (size == 0) size = 1;
+  const bool large = size % kLargePage == 0;
   Block block(static_cast<char*>(large ? std::aligned_alloc(kLargePage, size) : std::malloc(size)));
   if (block == nullptr) throw std::bad_alloc();
   if (large) {
