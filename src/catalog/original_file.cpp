@@ -1,0 +1,291 @@
+#include "catalog/original_file.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/bounded.h"
+#include "catalog/line_scan.h"
+#include "catalog/number.h"
+#include "store/object_types.h"
+
+namespace pktaus {
+namespace {
+
+constexpr std::string_view kIdTag = "gml:id=\"";
+constexpr std::string_view kOwnerTag = "<istTeilVon xlink:href=\"urn:adv:oid:";
+constexpr std::string_view kOwnerEnd = "\"/>";
+constexpr std::string_view kPunktortTag = "<AX_Punktort";
+constexpr std::string_view kMemberEnd = "</wfs:member>";
+// Seldom in such a file: "d=", "TV" of istTeilVon and "XP" of AX_Punktort, each by its places.
+constexpr Needle kIdNeedle{kIdTag, 5, 6};
+constexpr Needle kOwnerNeedle{kOwnerTag, 4, 8};
+constexpr Needle kPunktortNeedle{kPunktortTag, 2, 4};
+constexpr std::size_t kIdText = 100;  // room of a search text with an identifier
+constexpr std::size_t kName = 200;
+constexpr std::size_t kRow = 81;
+
+constexpr std::uint64_t kNowhere = UINT64_MAX;
+
+bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
+
+/// What stands between the line's first ">" and the next "<", and the line ends there from then on. Nothing where one
+/// of them is missing.
+std::optional<std::string> TakeValue(std::string_view* line) {
+  const std::size_t before = line->find('>');
+  if (before == std::string_view::npos) return std::nullopt;
+  const std::size_t end = line->find('<', before);
+  if (end == std::string_view::npos) return std::nullopt;
+  *line = line->substr(0, end);
+  return std::string(line->substr(before + 1));
+}
+
+void TakeNumber(std::string_view* line, std::string_view tag, std::int32_t* number) {
+  if (!Holds(*line, tag)) return;
+  if (const std::optional<std::string> value = TakeValue(line)) *number = ReadNumber(*value);
+}
+
+template <std::size_t kSize>
+void TakeText(std::string_view* line, std::string_view tag, char (&text)[kSize]) {
+  if (!Holds(*line, tag)) return;
+  if (const std::optional<std::string> value = TakeValue(line)) put(text, value->c_str());
+}
+
+/// What stands between the line's first "<" and the next blank; nothing where one of them is missing.
+std::optional<std::string> ElementName(std::string_view line) {
+  const std::size_t before = line.find('<');
+  if (before == std::string_view::npos) return std::nullopt;
+  const std::size_t end = line.find(' ', before);
+  if (end == std::string_view::npos) return std::nullopt;
+  return std::string(line.substr(before + 1, end - before - 1));
+}
+
+/// True where another object begins inside the block that the line belongs to.
+bool BeginsObject(std::string_view line) {
+  const std::string_view front = line.substr(0, line.find(kMemberEnd));
+  return Holds(front, "<AX_") && Holds(front, kIdTag);
+}
+
+// ---- the places of one object ----
+
+/// A line that makes a position object a part of its owner.
+struct Tie {
+  std::uint64_t line;   ///< offset of its piece
+  std::uint64_t start;  ///< of the last piece with the start of a position object up to there; kNowhere without one
+};
+
+/// Where a file speaks of an object: the first line with its identifier, and the lines that name it as owner.
+struct Places {
+  std::uint64_t object = kNowhere;
+  std::vector<Tie> ties;
+};
+
+std::string IdText(std::string_view id) { return std::string(kIdTag).append(id).append("\""); }
+std::string OwnerText(std::string_view id) { return std::string(kOwnerTag).append(id).append(kOwnerEnd); }
+
+/// The digit in front of the closing quote and that quote are seldomest.
+Needle NeedleOf(std::string_view text, std::size_t behind_quote) {
+  const std::size_t quote = text.size() - behind_quote - 1;
+  return {text, quote - 1, quote};
+}
+
+/// A line of an object begins a block where it names the object's element.
+bool IsStart(const LinePiece& piece, std::string_view id_text) {
+  return Holds(piece.text, id_text) && ElementName(piece.text).has_value();
+}
+
+std::uint64_t ScanForObject(LineScan* lines, std::string_view id) {
+  const std::string text = IdText(id);
+  const Needle needles[] = {NeedleOf(text, 0)};
+  LinePiece piece;
+  lines->Seek(0);
+  while (lines->Find(needles, &piece)) {
+    if (IsStart(piece, text)) return piece.offset;
+  }
+  return kNowhere;
+}
+
+Places ScanForOwner(LineScan* lines, std::string_view id) {
+  const std::string object = IdText(id);
+  const std::string owner = OwnerText(id);
+  const Needle needles[] = {NeedleOf(object, 0), NeedleOf(owner, 2), kPunktortNeedle};
+  Places places;
+  std::uint64_t start = kNowhere;
+  LinePiece piece;
+  lines->Seek(0);
+  while (lines->Find(needles, &piece)) {
+    if (places.object == kNowhere && IsStart(piece, object)) places.object = piece.offset;
+    if (Holds(piece.text, kPunktortTag)) start = piece.offset;
+    if (Holds(piece.text, owner)) places.ties.push_back({piece.offset, start});
+  }
+  return places;
+}
+
+// ---- the values ----
+
+/// Reads the block of the position object behind its first line. Gives the owner's identifier, empty where the block
+/// names none; nothing where another object begins in it.
+std::optional<std::string> ReadPosition(LineScan* lines, PointRecord* record, OriginalExtract* extract) {
+  std::string owner;
+  bool in_point = false;
+  LinePiece piece;
+  while (lines->Next(&piece)) {
+    std::string_view line = piece.text;
+    if (BeginsObject(line)) return std::nullopt;
+    if (extract != nullptr) {
+      const std::string raw = std::string(line) + (piece.ends_line ? "\n" : "");
+      const bool begins = !in_point && Holds(line, "<gml:Point");
+      if (in_point) my_strcat(extract->pos_xml, raw.c_str(), sizeof extract->pos_xml);
+      if (begins) put(extract->pos_xml, raw.c_str());
+      // One line may hold both ends of a point.
+      if (in_point || begins) in_point = !Holds(line, "</gml:Point>");
+      TakeText(&line, "beginnt", extract->punktort_beginnt);
+    }
+    if (Holds(line, kOwnerTag)) {
+      const std::size_t begin = line.find('<') + kOwnerTag.size();
+      const std::size_t end = line.find('"', begin);
+      if (end != std::string_view::npos) {
+        char limited[kName];
+        line = line.substr(0, end);
+        owner = put(limited, std::string(line.substr(begin)).c_str());
+      }
+    }
+    TakeNumber(&line, "<genauigkeitsstufe>", &record->gst);
+    TakeNumber(&line, "<hinweise>", &record->hin);
+    TakeNumber(&line, "<koordinatenstatus>", &record->kst);
+    TakeNumber(&line, "<AX_Datenerhebung_Punktort>", &record->her);
+    if (Holds(line, "<lagezuverlaessigkeit>")) {
+      if (const std::optional<std::string> value = TakeValue(&line))
+        record->lzv = *value == "true" ? kLzvTrue : kLzvFalse;
+    }
+    if (Holds(line, kMemberEnd)) break;
+  }
+  return owner;
+}
+
+/// Reads the owner's block behind its first line. False where another object begins in it.
+bool ReadOwner(LineScan* lines, PointRecord* record, char (&identifier)[kName], OriginalExtract* extract) {
+  LinePiece piece;
+  while (lines->Next(&piece)) {
+    std::string_view line = piece.text;
+    if (BeginsObject(line)) return false;
+    if (extract != nullptr) TakeText(&line, "beginnt", extract->object_beginnt);
+    TakeText(&line, "<punktkennung", identifier);
+    TakeNumber(&line, "<abmarkung_Marke>", &record->abm);
+    TakeNumber(&line, "<vermarkung_Marke>", &record->abm);
+    TakeNumber(&line, "<stelle>", &record->zst);
+    if (Holds(line, kMemberEnd)) break;
+  }
+  return true;
+}
+
+/// Name and identifier of a position object from its start line; both empty where the line lacks a delimiter.
+struct Row {
+  char name[kRow] = "";
+  char id[kRow] = "";
+};
+
+Row ReadRow(LineScan* lines, std::uint64_t start) {
+  Row row;
+  LinePiece piece;
+  lines->Seek(start);
+  if (!lines->Next(&piece)) return row;
+  const std::optional<std::string> name = ElementName(piece.text);
+  if (!name) return row;
+  const std::size_t quote = piece.text.find('"', piece.text.find('<') + 1 + name->size());
+  if (quote == std::string_view::npos) return row;
+  const std::size_t end = piece.text.find('"', quote + 1);
+  if (end == std::string_view::npos) return row;
+  put(row.name, name->c_str());
+  put(row.id, std::string(piece.text.substr(quote + 1, end - quote - 1)).c_str());
+  return row;
+}
+
+/// The owner's position objects but for `gml_id`, as `wepo` keeps them.
+std::string FurtherPositions(LineScan* lines, const std::vector<Tie>& ties, std::string_view gml_id) {
+  std::string text, before;
+  if (ties.size() <= 1) return text;
+  std::uint64_t last = kNowhere;
+  for (const Tie& tie : ties) {
+    // A start counts for the first line behind it that names the owner.
+    const bool has_start = tie.start != kNowhere && (last == kNowhere || tie.start > last);
+    last = tie.line;
+    if (!has_start) continue;
+    const Row row = ReadRow(lines, tie.start);
+    if (row.name[0] == '\0' || row.id == gml_id) continue;
+    before = text;
+    text.append(row.name).append("|").append(row.id).append("|");
+  }
+  return text.size() < sizeof PointRecord::wepo ? text : before;
+}
+
+}  // namespace
+
+struct OriginalFile::Index {};
+
+namespace {
+
+std::unique_ptr<PointRecord> SearchIn(LineScan* lines, const char* gml_id, OriginalExtract* extract) {
+  char text[kIdText];
+  // An empty identifier is nobody's, and neither is one too long to be searched for.
+  if (*gml_id == '\0' || my_sprintf(text, sizeof text, "gml:id=\"%s\"", gml_id) == 0) return nullptr;
+  const std::uint64_t position = ScanForObject(lines, gml_id);
+  if (position == kNowhere) return nullptr;
+
+  auto record = std::make_unique<PointRecord>();
+  record->abm = record->zst = record->kst = record->hin = record->her = record->gst = kNoChoice;
+  record->bza = record->art = record->vtw = kNoChoice;
+  record->lzv = kLzvNotGiven;
+  LinePiece piece;
+  char position_name[kName], owner_name[kName], identifier[kName] = "";
+  lines->Seek(position);
+  if (!lines->Next(&piece)) return nullptr;
+  put(position_name, ElementName(piece.text).value_or("").c_str());
+  const std::optional<std::string> owner = ReadPosition(lines, record.get(), extract);
+  if (!owner || owner->empty() || my_sprintf(text, sizeof text, "gml:id=\"%s\"", owner->c_str()) == 0) return nullptr;
+
+  const Places places = ScanForOwner(lines, *owner);
+  if (places.object == kNowhere) return nullptr;
+  lines->Seek(places.object);
+  if (!lines->Next(&piece)) return nullptr;
+  put(owner_name, ElementName(piece.text).value_or("").c_str());
+  if (!ReadOwner(lines, record.get(), identifier, extract)) return nullptr;
+  std::string further;
+  if (my_sprintf(text, sizeof text, "<istTeilVon xlink:href=\"urn:adv:oid:%s\"/>", owner->c_str()) > 0)
+    further = FurtherPositions(lines, places.ties, gml_id);
+  if (lines->Failed()) return nullptr;
+
+  put(record->wepo, further.c_str());
+  put(record->obgid, owner->c_str());
+  put(record->gmlid, gml_id);
+  record->oa = FindObjectTypeRow(owner_name);
+  constexpr std::pair<std::string_view, Po> kKinds[] = {
+      {"PunktortTA", kPoTA}, {"PunktortAU", kPoAU}, {"PunktortAG", kPoAG}};
+  for (const auto& [kind, po] : kKinds) {
+    if (Holds(position_name, kind)) record->po = po;
+  }
+  put(record->pkn, identifier);
+  return record;
+}
+
+}  // namespace
+
+OriginalFile::OriginalFile(std::string path) : path_(std::move(path)) {}
+OriginalFile::~OriginalFile() = default;
+
+std::unique_ptr<PointRecord> OriginalFile::Search(const char* gml_id, OriginalExtract* extract) {
+  return SearchOriginalFile(path_, gml_id, extract);
+}
+
+std::unique_ptr<PointRecord> SearchOriginalFile(const std::string& path, const char* gml_id, OriginalExtract* extract) {
+  if (extract != nullptr) *extract = {};
+  std::vector<char> buffer;
+  LineScan lines(&buffer);
+  if (!lines.Open(path)) return nullptr;
+  return SearchIn(&lines, gml_id, extract);
+}
+
+}  // namespace pktaus
