@@ -33,9 +33,13 @@ need() {
   rm -f "$log"
 }
 
-need_build() { need g++ cmake ninja-build ccache libgtest-dev; }
-# g++-multilib compiles the check of the host's 32-bit record layouts, xmllint reads what the plug-in wrote.
-need_tests() { need g++ g++-multilib cmake ninja-build ccache libgtest-dev python3 libxml2-utils; }
+need_build() { need g++ cmake ninja-build ccache libgtest-dev qt6-base-dev qt6-translations-l10n fonts-dejavu-core; }
+# g++-multilib compiles the check of the host's 32-bit record layouts, xmllint reads what the plug-in wrote, locales makes
+# the German locale that the desktop is tested under.
+need_tests() {
+  need_build
+  need g++-multilib python3 libxml2-utils locales
+}
 
 # build PRESET [TARGET...]: configures and builds with all cores; quiet unless something is wrong.
 build() {

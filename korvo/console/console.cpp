@@ -13,7 +13,7 @@
 #include "entry/host/host.h"
 #include "korvo/console/dialog_commands.h"
 #include "korvo/console/dialog_view.h"
-#include "korvo/console/words.h"
+#include "korvo/words/words.h"
 #include "korvo/dbase/table.h"
 #include "korvo/host/plugin.h"
 #include "korvo/host/points.h"

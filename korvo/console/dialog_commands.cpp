@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/text.h"
-#include "korvo/console/words.h"
+#include "korvo/words/words.h"
 
 namespace korvo {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "korvo/console/words.h"
+#include "korvo/words/words.h"
 
 namespace korvo {
 

@@ -1,6 +1,7 @@
 // What only the front end of the host itself does, beside the desktop that every plug-in sees.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,8 @@ class FrontEnd : public toolkit::Desktop {
   /// Lets the person pick a point of the open point table (korvo/host/points.h): true and `point` filled, or false and
   /// `point` untouched.
   virtual bool PickPoint(HostPoint* point) = 0;
+  /// The plug-in has written record `number` (from 1) of the point table; 0: it had the table opened anew.
+  virtual void PointChanged(std::int32_t /*number*/) {}
 };
 
 /// Sets the front end in force, which must outlive its use; null for none, when menus are left at once, nothing is

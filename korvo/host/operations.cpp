@@ -58,6 +58,7 @@ void OpenHandle(void* handle) {
   if (!open) {
     korvo::Tell(std::string("Die Tabelle "_ansi) + slot->handle.path + " kann nicht geöffnet werden: "_ansi + why);
   }
+  if (slot == &host.points && host.front_end != nullptr) host.front_end->PointChanged(0);
 }
 
 void CloseHandle(void* handle) {
@@ -247,7 +248,11 @@ void f4r_double(void* column, double value) {
 void db_write(std::int32_t number) {
   Host& host = TheHost();
   std::string why;
-  if (host.current == nullptr || host.current->Write(number, &why)) return;
+  if (host.current == nullptr) return;
+  if (host.current->Write(number, &why)) {
+    if (host.current == &host.points.table && host.front_end != nullptr) host.front_end->PointChanged(number);
+    return;
+  }
   korvo::Tell(std::string("Satz "_ansi) + std::to_string(number) + " wurde nicht gespeichert. "_ansi + why);
 }
 

@@ -1,4 +1,4 @@
-#include "korvo/console/words.h"
+#include "korvo/words/words.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,0 +1,110 @@
+#include "korvo/desktop/shell.h"
+
+#include <QMetaObject>
+#include <cstdio>
+#include <utility>
+
+namespace korvo {
+
+Waits::Wait::Wait(Waits& waits, std::function<void()> cancel) : waits_(waits), cancel_(std::move(cancel)) {
+  waits_.open_.push_back(this);
+}
+
+Waits::Wait::~Wait() {
+  std::erase(waits_.open_, this);
+  if (waits_.leaving_) waits_.LeaveSoon();
+}
+
+void Waits::Wait::Run() {
+  if (!stopped_) {
+    if (waits_.leaving_) waits_.LeaveSoon();
+    waits_.hosts_.PutBack();
+    loop_.exec();
+    callers_.PutBack();
+  }
+  if (kept_ != nullptr) std::rethrow_exception(std::exchange(kept_, nullptr));
+}
+
+void Waits::Wait::Stop() {
+  stopped_ = true;
+  loop_.quit();
+}
+
+bool Waits::RunPlugin(const std::function<void()>& plugin) {
+  if (plugin_runs_) return false;
+  plugin_runs_ = true;
+  leaving_ = false;
+  plugin();
+  plugin_runs_ = false;
+  return std::exchange(leaving_, false);
+}
+
+void Waits::Choose(int number) {
+  if (menu_ == nullptr || menu_ != open_.back()) return;
+  choice_ = number;
+  menu_->Stop();
+}
+
+void Waits::Pick(std::int32_t record) {
+  if (pick_ == nullptr || pick_ != open_.back()) return;
+  picked_ = record;
+  pick_->Stop();
+}
+
+void Waits::Leave() {
+  if (!plugin_runs_) return;
+  leaving_ = true;
+  LeaveSoon();
+}
+
+void Waits::LeaveSoon() {
+  const auto step = [this] {
+    if (leaving_ && !open_.empty()) open_.back()->cancel_();
+  };
+  QMetaObject::invokeMethod(&context_, step, Qt::QueuedConnection);
+}
+
+int Waits::WaitForChoice(Shell& shell, const Menu& menu) {
+  Wait wait(*this, [this] { Choose(0); });
+  menu_ = &wait;
+  choice_ = 0;
+  shell.ShowMenu(menu);
+  wait.Run();
+  menu_ = nullptr;
+  shell.HideMenu();
+  return choice_;
+}
+
+std::int32_t Waits::WaitForPick(Shell& shell) {
+  Wait wait(*this, [this] { Pick(0); });
+  pick_ = &wait;
+  picked_ = 0;
+  shell.BeginPick();
+  wait.Run();
+  pick_ = nullptr;
+  shell.EndPick();
+  return picked_;
+}
+
+void Waits::AtEdge(const std::function<void()>& work) noexcept {
+  try {
+    work();
+  } catch (...) {
+    if (open_.empty()) {
+      std::fputs("Korvo: Ausnahme in einem Fenster\n", stderr);
+      return;
+    }
+    open_.back()->kept_ = std::current_exception();
+    open_.back()->Stop();
+  }
+}
+
+void Waits::InPlugin(const std::function<void()>& work) noexcept {
+  if (open_.empty()) return AtEdge(work);
+  const Wait& wait = *open_.back();
+  wait.callers_.PutBack();
+  AtEdge(work);
+  hosts_.PutBack();
+}
+
+}  // namespace korvo
