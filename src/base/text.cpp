@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <charconv>
+
 namespace text {
 namespace {
 
@@ -132,6 +134,11 @@ int CompareGerman(std::string_view a, std::string_view b) {
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return small(x) == small(y); });
+}
+
+std::string Decimal(double number, int digits) {
+  char bytes[400];  // the largest double has 309 digits in front of its point
+  return {bytes, std::to_chars(bytes, bytes + sizeof bytes, number, std::chars_format::fixed, digits).ptr};
 }
 
 }  // namespace text

@@ -62,6 +62,9 @@ int CompareGerman(std::string_view a, std::string_view b);
 /// Equality where 'A' to 'Z' and 'a' to 'z' are one; for file patterns and endings.
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 
+/// The number with so many digits behind a point, whatever the machine's number format.
+std::string Decimal(double number, int digits);
+
 namespace detail {
 template <std::size_t N>
 struct Utf8Literal {

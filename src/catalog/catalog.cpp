@@ -159,6 +159,10 @@ const CatalogObject* FindCatalogObject(std::string_view name) {
   return object;
 }
 
+const CatalogObject* CatalogObjectOfRow(std::int32_t oa) {
+  return oa < 0 || oa >= kObjectTypeCount ? nullptr : FindCatalogObject(object_types[oa]);
+}
+
 bool ReadCatalog(const std::string& path, CatalogFacts* facts) {
   in_force = std::make_unique<Catalog>();
   const auto document = std::make_unique<CTreeDocument>();

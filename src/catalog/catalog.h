@@ -65,6 +65,9 @@ const CatalogPunktort* FindCatalogPunktort(std::string_view name);
 /// The object type of exactly that name, such as a row of `object_types`; null where there is none.
 const CatalogObject* FindCatalogObject(std::string_view name);
 
+/// The object type of a record's `oa`; null where `oa` is no row or the row has no entry in the catalogue.
+const CatalogObject* CatalogObjectOfRow(std::int32_t oa);
+
 /// What a catalogue file holds beside the lists.
 struct CatalogFacts {
   std::optional<std::string> header;  ///< HEADER: file name of the state's NAS template

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <functional>
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -97,32 +100,134 @@ bool IsStart(const LinePiece& piece, std::string_view id_text) {
   return Holds(piece.text, id_text) && ElementName(piece.text).has_value();
 }
 
-std::uint64_t ScanForObject(LineScan* lines, std::string_view id) {
-  const std::string text = IdText(id);
-  const Needle needles[] = {NeedleOf(text, 0)};
-  LinePiece piece;
-  lines->Seek(0);
-  while (lines->Find(needles, &piece)) {
-    if (IsStart(piece, text)) return piece.offset;
+/// Finds the places of one object by a scan for each question.
+class Scanner {
+ public:
+  explicit Scanner(LineScan* lines) : lines_(*lines) {}
+
+  std::uint64_t Object(std::string_view id) {
+    const std::string text = IdText(id);
+    const Needle needles[] = {NeedleOf(text, 0)};
+    LinePiece piece;
+    lines_.Seek(0);
+    while (lines_.Find(needles, &piece)) {
+      if (IsStart(piece, text)) return piece.offset;
+    }
+    return kNowhere;
   }
-  return kNowhere;
+
+  Places Owner(std::string_view id) {
+    const std::string object = IdText(id);
+    const std::string owner = OwnerText(id);
+    const Needle needles[] = {NeedleOf(object, 0), NeedleOf(owner, 2), kPunktortNeedle};
+    Places places;
+    std::uint64_t start = kNowhere;
+    LinePiece piece;
+    lines_.Seek(0);
+    while (lines_.Find(needles, &piece)) {
+      if (places.object == kNowhere && IsStart(piece, object)) places.object = piece.offset;
+      if (Holds(piece.text, kPunktortTag)) start = piece.offset;
+      if (Holds(piece.text, owner)) places.ties.push_back({piece.offset, start});
+    }
+    return places;
+  }
+
+ private:
+  LineScan& lines_;
+};
+
+/// A line with an identifier, which is kept as its hash.
+struct Mark {
+  std::uint64_t hash;
+  std::uint64_t line;
+  bool operator<(const Mark& other) const { return std::tie(hash, line) < std::tie(other.hash, other.line); }
+};
+
+struct TieMark : Mark {
+  std::uint64_t start;
+};
+
+std::uint64_t HashOf(std::string_view id) { return std::hash<std::string_view>{}(id); }
+
+/// Calls `found` with what stands in front of the next quote at each place of `begin`, where `end` follows.
+template <typename Found>
+void ForEachId(std::string_view line, std::string_view begin, std::string_view end, Found found) {
+  for (std::size_t at = line.find(begin); at != std::string_view::npos; at = line.find(begin, at)) {
+    at += begin.size();
+    const std::size_t quote = line.find('"', at);
+    if (quote == std::string_view::npos) return;
+    if (line.substr(quote).starts_with(end)) found(line.substr(at, quote - at));
+  }
 }
 
-Places ScanForOwner(LineScan* lines, std::string_view id) {
-  const std::string object = IdText(id);
-  const std::string owner = OwnerText(id);
-  const Needle needles[] = {NeedleOf(object, 0), NeedleOf(owner, 2), kPunktortNeedle};
-  Places places;
-  std::uint64_t start = kNowhere;
-  LinePiece piece;
-  lines->Seek(0);
-  while (lines->Find(needles, &piece)) {
-    if (places.object == kNowhere && IsStart(piece, object)) places.object = piece.offset;
-    if (Holds(piece.text, kPunktortTag)) start = piece.offset;
-    if (Holds(piece.text, owner)) places.ties.push_back({piece.offset, start});
+/// The places of all objects of a file, found in one walk.
+class PlaceIndex {
+ public:
+  explicit PlaceIndex(LineScan* lines) {
+    constexpr Needle kNeedles[] = {kIdNeedle, kOwnerNeedle, kPunktortNeedle};
+    std::uint64_t start = kNowhere;
+    LinePiece piece;
+    lines->Seek(0);
+    while (lines->Find(kNeedles, &piece)) {
+      if (ElementName(piece.text).has_value())
+        ForEachId(piece.text, kIdTag, "\"", [&](std::string_view id) {
+          starts_.push_back({HashOf(id), piece.offset});
+        });
+      if (Holds(piece.text, kPunktortTag)) start = piece.offset;
+      ForEachId(piece.text, kOwnerTag, kOwnerEnd, [&](std::string_view id) {
+        ties_.push_back({{HashOf(id), piece.offset}, start});
+      });
+    }
+    std::sort(starts_.begin(), starts_.end());
+    std::sort(ties_.begin(), ties_.end());
   }
-  return places;
-}
+
+  /// Answers what a Scanner answers for identifiers without a quote. The lines are looked at again, so that no two
+  /// identifiers with one hash are taken for each other.
+  class Finder {
+   public:
+    Finder(const PlaceIndex* index, LineScan* lines) : index_(*index), lines_(*lines) {}
+
+    std::uint64_t Object(std::string_view id) {
+      const std::string text = IdText(id);
+      const std::uint64_t hash = HashOf(id);
+      const auto& starts = index_.starts_;
+      for (auto it = std::lower_bound(starts.begin(), starts.end(), Mark{hash, 0});
+           it != starts.end() && it->hash == hash; ++it) {
+        if (LineHolds(it->line, text)) return it->line;
+      }
+      return kNowhere;
+    }
+
+    Places Owner(std::string_view id) {
+      Places places;
+      places.object = Object(id);
+      const std::string text = OwnerText(id);
+      const std::uint64_t hash = HashOf(id);
+      const auto& ties = index_.ties_;
+      for (auto it = std::lower_bound(ties.begin(), ties.end(), Mark{hash, 0}); it != ties.end() && it->hash == hash;
+           ++it) {
+        const bool known = !places.ties.empty() && places.ties.back().line == it->line;
+        if (!known && LineHolds(it->line, text)) places.ties.push_back({it->line, it->start});
+      }
+      return places;
+    }
+
+   private:
+    bool LineHolds(std::uint64_t offset, std::string_view text) {
+      LinePiece piece;
+      lines_.Seek(offset);
+      return lines_.Next(&piece) && Holds(piece.text, text);
+    }
+
+    const PlaceIndex& index_;
+    LineScan& lines_;
+  };
+
+ private:
+  std::vector<Mark> starts_;
+  std::vector<TieMark> ties_;
+};
 
 // ---- the values ----
 
@@ -222,17 +327,12 @@ std::string FurtherPositions(LineScan* lines, const std::vector<Tie>& ties, std:
   return text.size() < sizeof PointRecord::wepo ? text : before;
 }
 
-}  // namespace
-
-struct OriginalFile::Index {};
-
-namespace {
-
-std::unique_ptr<PointRecord> SearchIn(LineScan* lines, const char* gml_id, OriginalExtract* extract) {
+template <typename Finder>
+std::unique_ptr<PointRecord> SearchIn(LineScan* lines, Finder finder, const char* gml_id, OriginalExtract* extract) {
   char text[kIdText];
   // An empty identifier is nobody's, and neither is one too long to be searched for.
   if (*gml_id == '\0' || my_sprintf(text, sizeof text, "gml:id=\"%s\"", gml_id) == 0) return nullptr;
-  const std::uint64_t position = ScanForObject(lines, gml_id);
+  const std::uint64_t position = finder.Object(gml_id);
   if (position == kNowhere) return nullptr;
 
   auto record = std::make_unique<PointRecord>();
@@ -247,7 +347,7 @@ std::unique_ptr<PointRecord> SearchIn(LineScan* lines, const char* gml_id, Origi
   const std::optional<std::string> owner = ReadPosition(lines, record.get(), extract);
   if (!owner || owner->empty() || my_sprintf(text, sizeof text, "gml:id=\"%s\"", owner->c_str()) == 0) return nullptr;
 
-  const Places places = ScanForOwner(lines, *owner);
+  const Places places = finder.Owner(*owner);
   if (places.object == kNowhere) return nullptr;
   lines->Seek(places.object);
   if (!lines->Next(&piece)) return nullptr;
@@ -273,11 +373,34 @@ std::unique_ptr<PointRecord> SearchIn(LineScan* lines, const char* gml_id, Origi
 
 }  // namespace
 
-OriginalFile::OriginalFile(std::string path) : path_(std::move(path)) {}
+struct OriginalFile::Index {
+  std::vector<char> buffer;
+  platform::FileFacts facts;
+  std::optional<PlaceIndex> places;
+};
+
+OriginalFile::OriginalFile(std::string path) : path_(std::move(path)), index_(std::make_unique<Index>()) {}
 OriginalFile::~OriginalFile() = default;
 
 std::unique_ptr<PointRecord> OriginalFile::Search(const char* gml_id, OriginalExtract* extract) {
-  return SearchOriginalFile(path_, gml_id, extract);
+  if (extract != nullptr) *extract = {};
+  LineScan lines(&index_->buffer);
+  platform::FileFacts facts;
+  if (!lines.Open(path_) || !lines.Facts(&facts)) return nullptr;
+  // Such an identifier reaches beyond the quote that ends one in the file.
+  if (std::strchr(gml_id, '"') != nullptr) return SearchIn(&lines, Scanner(&lines), gml_id, extract);
+  const auto identity = [](const platform::FileFacts& f) {
+    return std::tie(f.size, f.modified_ns, f.device, f.serial);
+  };
+  if (!index_->places || identity(facts) != identity(index_->facts)) {
+    index_->places.emplace(&lines);
+    index_->facts = facts;
+  }
+  if (lines.Failed()) {
+    index_->places.reset();
+    return nullptr;
+  }
+  return SearchIn(&lines, PlaceIndex::Finder(&*index_->places, &lines), gml_id, extract);
 }
 
 std::unique_ptr<PointRecord> SearchOriginalFile(const std::string& path, const char* gml_id, OriginalExtract* extract) {
@@ -285,7 +408,7 @@ std::unique_ptr<PointRecord> SearchOriginalFile(const std::string& path, const c
   std::vector<char> buffer;
   LineScan lines(&buffer);
   if (!lines.Open(path)) return nullptr;
-  return SearchIn(&lines, gml_id, extract);
+  return SearchIn(&lines, Scanner(&lines), gml_id, extract);
 }
 
 }  // namespace pktaus

@@ -1,6 +1,5 @@
 #include "dialogs/export_dialog.h"
 
-#include <charconv>
 #include <initializer_list>
 #include <iterator>
 #include <string>
@@ -37,13 +36,6 @@ std::string_view Trimmed(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(kBlanks);
   if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
-
-/// Metres with three decimals and a point, whatever the machine's number format.
-void PutMetres(std::string* field, double metres) {
-  char text[400];  // the largest double has 309 digits in front of its point
-  *std::to_chars(text, text + sizeof text - 1, metres, std::chars_format::fixed, 3).ptr = '\0';
-  PutBatchText(field, text);
 }
 
 struct TablePoint {
@@ -134,8 +126,8 @@ void CExportDlg::ReadTable() {
     if (!ReadPoint(record, &point)) continue;
     BatchPoint& row = table_[record - 1];
     row.name = point.name;
-    PutMetres(&row.east, point.east);
-    PutMetres(&row.north, point.north);
+    PutBatchText(&row.east, text::Decimal(point.east, 3).c_str());
+    PutBatchText(&row.north, text::Decimal(point.north, 3).c_str());
     row.filled = 1;
     rows_in_use_ = record;
   }

@@ -281,10 +281,7 @@ void CPointSheetDlg::ShowGids(bool of_existing_object) {
   }
 }
 
-const CatalogObject* CPointSheetDlg::SelectedType() const {
-  const int row = types_.selected();
-  return row < 0 || row >= kObjectTypeCount ? nullptr : FindCatalogObject(object_types[row]);
-}
+const CatalogObject* CPointSheetDlg::SelectedType() const { return CatalogObjectOfRow(types_.selected()); }
 
 std::string_view CPointSheetDlg::Pattern() const {
   const CatalogObject* type = SelectedType();

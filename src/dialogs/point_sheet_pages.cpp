@@ -1,6 +1,5 @@
 #include "dialogs/point_sheet_pages.h"
 
-#include <charconv>
 #include <utility>
 
 #include "base/text.h"
@@ -44,11 +43,6 @@ constexpr const char* kHinExplanation[] = {
     "Veränderter Altpunkt(Aufnahmepunkt, sonst. Vermessungspunkt) ohne PD83-Punktort -> 1010"_ansi,
     "aufgemessener Gebäudepunkt aus Befliegung -> 1010"_ansi,
 };
-
-std::string Metres(double value) {
-  char text[400];  // the largest double has 309 digits in front of its point
-  return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 3).ptr};
-}
 
 bool SameDay(const platform::CivilTime& a, const platform::CivilTime& b) {
   return a.year == b.year && a.month == b.month && a.day == b.day;
@@ -146,8 +140,8 @@ TlbV2Daten::TlbV2Daten()
 
 void TlbV2Daten::Fill(const std::string& number, double east_metres, double north_metres) {
   point_number.text = number;
-  east.text = Metres(east_metres);
-  north.text = Metres(north_metres);
+  east.text = text::Decimal(east_metres, 3);
+  north.text = text::Decimal(north_metres, 3);
 }
 
 void ShowHinExplanation() {

@@ -5,7 +5,10 @@
 #include <string>
 
 #include "catalog/catalog_store.h"
+#include "dialogs/adopt_data_dialog.h"
 #include "dialogs/export_dialog.h"
+#include "dialogs/gid_search_dialog.h"
+#include "dialogs/order_export_dialog.h"
 #include "dialogs/point_sheet.h"
 #include "entry/host/host.h"
 #include "platform/system.h"
@@ -33,7 +36,10 @@ void OpenPoint(const char* point_number, double east, double north) {
   if (*point_number == '\0') return;
   PointRecord record{};
   const int state = point_read(point_number, &record);
-  if (state == kNoAttributes) get_catalog_store()->defaults_copy(&record);
+  if (state == kNoAttributes) {
+    get_catalog_store()->defaults_copy(&record);
+    if (point_adopt_imported(point_number, &record) < 0) return;
+  }
   const int result = point_sheet(point_number, east, north, &record, state);
   if (result == kSheetConfirmed) point_write(point_number, &record);
   if (result == kSheetRemove) point_remove(point_number);
@@ -44,6 +50,19 @@ void EditDefaultValues() {
   PointRecord record{};
   get_catalog_store()->defaults_copy(&record);
   point_sheet(nullptr, 0.0, 0.0, &record, kNoAttributes);
+}
+
+void FindPoint() {
+  double east = 0.0, north = 0.0;
+  char number[81] = "";
+  if (gid_search(&east, &north, number, sizeof number) != nullptr) OpenPoint(number, east, north);
+}
+
+void ExportOrders() {
+  CCatalogStore& store = *get_catalog_store();
+  store.orders_clear();
+  store.orders_collect();
+  order_export_dialog();
 }
 
 void PickPoints() {
@@ -60,15 +79,19 @@ void Run(int command) {
     case kDefaultValues:
       EditDefaultValues();
       break;
+    case kFindPoint:
+      FindPoint();
+      break;
     case kPickPoints:
       PickPoints();
+      break;
+    case kOrderExport:
+      ExportOrders();
       break;
     case kExport:
       export_dialog();
       break;
     default:
-      // Search by identifier and output by order begin with dialogs that are not built yet; all other numbers mean
-      // nothing.
       break;
   }
 }

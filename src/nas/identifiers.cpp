@@ -8,9 +8,6 @@
 namespace pktaus {
 namespace {
 
-/// The state whose office takes the reason of a change as a reference to the list of codes.
-constexpr std::string_view kThuringia = "16";
-
 constexpr const char* kOtherReason = "https://registry.gdi-de.org/codelist/de.adv-online.gid/AA_Anlassart/9999";
 
 }  // namespace

@@ -10,6 +10,9 @@ namespace pktaus {
 class CTreeDocument;
 class CTreeNode;
 
+/// The state whose offices take some members in another form.
+inline constexpr std::string_view kThuringia = "16";
+
 /// Begins every identifier of a new object: the cadastre replaces such a provisional identifier by its own.
 extern const std::string id_prefix;
 

@@ -13,6 +13,10 @@ CTreeNode* MemberRows::operator()(int depth, std::string_view name, std::string_
   return (*this)(depth, document_->NewTextNode(name, text));
 }
 
+void RowsOfIdentifier(MemberRows& row, std::string_view id) {
+  row(2, "gml:identifier", "urn:adv:oid:" + std::string(id))->SetAttribute("codeSpace", "http://www.adv-online.de/");
+}
+
 void RowsOfLebenszeitintervall(MemberRows& row) {
   row(2, "lebenszeitintervall");
   row(3, "AA_Lebenszeitintervall");
@@ -42,6 +46,23 @@ void RowsOfPosition(MemberRows& row, std::string_view coordinates) {
   point->SetAttribute("srsName", "urn:adv:crs:ETRS89_UTM32");
   point->SetAttribute("gml:id", "P" + std::to_string(point_counter++));
   row(4, "gml:pos", coordinates);
+}
+
+void RowsOfProcessStep(MemberRows& row) {
+  row(2, "qualitaetsangaben");
+  row(3, "AX_DQPunktort");
+  row(4, "herkunft");
+  row(5, "gmd:LI_Lineage");
+  row(6, "gmd:processStep");
+  row(7, "gmd:LI_ProcessStep");
+  row(8, "gmd:description");
+  row(9, "AX_LI_ProcessStep_Punktort_Description", "Erhebung");
+}
+
+void RowsOfSource(MemberRows& row) {
+  row(8, "gmd:source");
+  row(9, "gmd:LI_Source");
+  row(10, "gmd:description");
 }
 
 std::string CoordinateText(std::string* east, std::string* north) {

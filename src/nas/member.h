@@ -36,6 +36,9 @@ class MemberRows {
 // Rows that objects and position objects have in common. Each begins at the depth at which its first element stands in
 // every class.
 
+/// gml:identifier.
+void RowsOfIdentifier(MemberRows& row, std::string_view id);
+
 /// lebenszeitintervall, with the present time as its begin.
 void RowsOfLebenszeitintervall(MemberRows& row);
 
@@ -50,6 +53,12 @@ void RowsOfIstTeilVon(MemberRows& row, std::string_view objid);
 
 /// position, as the next gml:Point of the file; `point_counter` rises by 1.
 void RowsOfPosition(MemberRows& row, std::string_view coordinates);
+
+/// qualitaetsangaben down to the description of the process step; rows of the step and of the quality follow.
+void RowsOfProcessStep(MemberRows& row);
+
+/// The source of the process step, down to its description.
+void RowsOfSource(MemberRows& row);
 
 /// The text of gml:pos from east and north with three decimals. In both the first "," becomes "."; of the east value
 /// the zone in front of its six integer digits falls away.

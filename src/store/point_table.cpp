@@ -7,6 +7,7 @@
 #include <limits>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 
 #include "base/bounded.h"
 #include "entry/host/host.h"
@@ -65,6 +66,8 @@ constexpr std::size_t kAuftrag = Id("NE_AUFTRAG");
 constexpr std::size_t kPo = Id("NE_PO");
 constexpr std::size_t kDat = Id("NE_DAT");
 constexpr std::size_t kWepo = Id("NE_WEPO");
+constexpr std::size_t kPknAbmBza = Id("PKN_ABM_BZA");
+constexpr std::size_t kNastable = Id("NASTABLE");
 constexpr std::size_t kGmlid = Id("GMLID");
 
 /// Columns read behind NE_PO for a point with attributes; NE_WEPO follows on its own.
@@ -158,6 +161,55 @@ void WriteColumn(std::size_t id, PointRecord* record) {
   f4r_double(references[id], id == kDat ? StoredDay(value) : value);
 }
 
+/// Visits the first record of each of the numbers, made the current one, with the number's positions in the list.
+template <typename Visit>
+void WalkPoints(const std::vector<std::string>& point_numbers, Visit visit) {
+  std::unordered_map<std::string_view, std::vector<std::size_t>> wanted;
+  for (std::size_t i = 0; i < point_numbers.size(); ++i) wanted[point_numbers[i]].push_back(i);
+  if (wanted.empty() || !SelectTable()) return;
+  HostPoint point{};
+  Walk(&point, [&](std::int32_t number) {
+    const auto found = wanted.find(point.pt_no);
+    if (found == wanted.end()) return false;
+    d4go(number);
+    visit(number, point, found->second);
+    wanted.erase(found);
+    return wanted.empty();
+  });
+}
+
+/// Reads the current record; 0 it has attributes, 1 it has none.
+int ReadCurrent(const HostPoint& point, PointRecord* record) {
+  record->po = ReadNumber(kPo);
+  const bool empty = record->po == kPoNone;
+  if (empty) {
+    SetEmptyRecord(record);
+  } else {
+    for (const std::size_t id : kReadOrder) ReadColumn(id, record);
+    ReadWepo(record);
+  }
+  record->east = point.east;
+  record->north = point.north;
+  return empty ? 1 : 0;
+}
+
+/// Takes the attributes from the current record.
+void RemoveCurrent(std::int32_t number) {
+  f4r_double(references[kPo], 0.0);
+  f4r_str(references[kAntragn], "");
+  f4r_str(references[kAuftrag], "");
+  db_write(number);
+}
+
+/// The identifier in a GMLID: no blanks, and nothing from a byte of 0x80 on.
+void ReduceGid(const char* text, char (&gid)[kGidSize]) {
+  std::size_t length = 0;
+  for (; *text != '\0' && static_cast<unsigned char>(*text) < 0x80 && length + 1 < sizeof gid; ++text) {
+    if (*text != ' ') gid[length++] = *text;
+  }
+  gid[length] = '\0';
+}
+
 void CutOrderNumber(char (&text)[48]) { std::fill(std::begin(text) + kOrderNumberLength, std::end(text), '\0'); }
 
 }  // namespace
@@ -194,17 +246,16 @@ int point_read_at(std::int32_t number, double* east, double* north, double* elev
 int point_read(const char* point_number, PointRecord* record) {
   HostPoint point{};
   if (GoToPoint(point_number, &point) == 0) return -1;
-  record->po = ReadNumber(kPo);
-  const bool empty = record->po == kPoNone;
-  if (empty) {
-    SetEmptyRecord(record);
-  } else {
-    for (const std::size_t id : kReadOrder) ReadColumn(id, record);
-    ReadWepo(record);
-  }
-  record->east = point.east;
-  record->north = point.north;
-  return empty ? 1 : 0;
+  return ReadCurrent(point, record);
+}
+
+void point_read_all(const std::vector<std::string>& point_numbers,
+                    const std::function<void(std::size_t position, const PointRecord& record)>& visit) {
+  WalkPoints(point_numbers, [&](std::int32_t, const HostPoint& point, const std::vector<std::size_t>& positions) {
+    PointRecord record{};
+    ReadCurrent(point, &record);
+    for (const std::size_t position : positions) visit(position, record);
+  });
 }
 
 void point_write(const char* point_number, PointRecord* record) {
@@ -222,11 +273,24 @@ void point_write(const char* point_number, PointRecord* record) {
 void point_remove(const char* point_number) {
   HostPoint point{};
   const std::int32_t found = GoToPoint(point_number, &point);
-  if (found == 0) return;
-  f4r_double(references[kPo], 0.0);
-  f4r_str(references[kAntragn], "");
-  f4r_str(references[kAuftrag], "");
-  db_write(found);
+  if (found != 0) RemoveCurrent(found);
+}
+
+void point_remove_all(const std::vector<std::string>& point_numbers) {
+  WalkPoints(point_numbers,
+             [](std::int32_t number, const HostPoint&, const std::vector<std::size_t>&) { RemoveCurrent(number); });
+}
+
+bool point_read_imported(const char* point_number, ImportedData* data) {
+  if (references[kPknAbmBza] == nullptr) return false;
+  HostPoint point{};
+  if (GoToPoint(point_number, &point) == 0) return false;
+  const char* text = f4str(references[kPknAbmBza]);
+  if (std::strchr(text, ',') == nullptr) return false;
+  put(data->pkn_abm_bza, text);
+  ReduceGid(f4str(references[kGmlid]), data->gid);
+  data->nastable = f4str(references[kNastable]);
+  return true;
 }
 
 int point_find_by_gid(const char* identifier, char* point_number, double* east, double* north, std::size_t size) {
@@ -236,12 +300,8 @@ int point_find_by_gid(const char* identifier, char* point_number, double* east, 
     d4go(number);
     const char* text = f4str(references[kGmlid]);
     if (*text == '\0') return false;
-    char gid[84];
-    std::size_t length = 0;
-    for (; *text != '\0' && static_cast<unsigned char>(*text) < 0x80 && length + 1 < sizeof gid; ++text) {
-      if (*text != ' ') gid[length++] = *text;
-    }
-    gid[length] = '\0';
+    char gid[kGidSize];
+    ReduceGid(text, gid);
     return std::strcmp(gid, identifier) == 0;
   });
   if (found == 0) return 0;

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "store/point_record.h"
 
@@ -27,6 +29,11 @@ int point_read_at(std::int32_t number, double* east, double* north, double* elev
 /// `record` untouched. `objid`, `bundesland` and `next` stay as they were.
 int point_read(const char* point_number, PointRecord* record);
 
+/// Reads many points in one walk, each as point_read would for a record of zero bytes. Visits those that the table has,
+/// in the table's order, with the position of their number in `point_numbers`; the record lives for the visit only.
+void point_read_all(const std::vector<std::string>& point_numbers,
+                    const std::function<void(std::size_t position, const PointRecord& record)>& visit);
+
 /// Cuts `auftrag` and `antragn` of the record to 39 characters, then stores it with the first point of this number; no
 /// such point, nothing is stored. Empty `gmlid` and `wepo` leave what the table holds.
 void point_write(const char* point_number, PointRecord* record);
@@ -34,6 +41,23 @@ void point_write(const char* point_number, PointRecord* record);
 /// Takes the attributes from the first point with this number: NE_PO becomes 0, both order numbers become empty, all
 /// other columns keep their values.
 void point_remove(const char* point_number);
+
+/// The same for many points, in one walk.
+void point_remove_all(const std::vector<std::string>& point_numbers);
+
+/// Room for a GMLID of the table.
+inline constexpr std::size_t kGidSize = 84;
+
+/// What an import of cadastre data has left beside a point.
+struct ImportedData {
+  char pkn_abm_bza[81];  ///< PKN_ABM_BZA: values with commas between them
+  std::string nastable;  ///< NASTABLE: the object type's name with its padding
+  char gid[kGidSize];    ///< GMLID up to a byte of 0x80 or above, without blanks
+};
+
+/// Reads what an import has left beside the first point with this number. False where there is no such point, no column
+/// for it, or no comma in PKN_ABM_BZA.
+bool point_read_imported(const char* point_number, ImportedData* data);
 
 /// Finds the first point whose GMLID, up to a byte of 0x80 or above and without blanks, equals `identifier`: 1 found,
 /// 0 not, outputs untouched.
