@@ -1,5 +1,6 @@
 """A project of a test's own, and the console that works on it with the real plug-in library."""
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -7,6 +8,8 @@ import unittest
 
 TOP = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", ".."))
 BIN = os.environ.get("PKTAUS_BIN_DIR", os.path.join(TOP, "build", "release", "bin"))
+SETTINGS = os.path.join(TOP, "sample", "einstellungen")
+ORIGINAL = os.path.join(SETTINGS, "bestand.xml")
 SAMPLE = os.path.join(TOP, "sample", "musterstadt", "punkte.dbf")
 MENU = "--- Punkte mit ALKIS-Angaben ---"
 TIMEOUT = 60  # a hang, not a measure
@@ -65,3 +68,20 @@ class ProjectCase(unittest.TestCase):
     def write_table(self, data):
         with open(self.table, "wb") as file:
             file.write(data)
+
+
+class SettingsCase(ProjectCase):
+    """With the sample's settings beside the plug-in."""
+
+    def setUp(self):
+        super().setUp()
+        self.ini = os.path.join(self.plugin, "pktausout.ini")
+        shutil.copy(os.path.join(SETTINGS, "pktausout.ini"), self.ini)
+        self.settings("PUNKTXMLFOLDER", os.path.join(SETTINGS, "reservierungen"))
+        self.settings("ORIGXML", ORIGINAL)
+
+    def settings(self, key, value):
+        with open(self.ini, encoding="cp1252") as file:
+            text = re.sub("(?m)^%s = .*$" % key, '%s = "%s"' % (key, value), file.read())
+        with open(self.ini, "w", encoding="cp1252") as file:
+            file.write(text)

@@ -30,6 +30,15 @@ class DataFiles(unittest.TestCase):
         with_zone = [point for point in live if float(point["EAST"]) > 32000000]
         self.assertTrue(50 < len(with_zone) < len(live) - 50)
 
+    def test_original_file_is_that_of_its_generator(self):
+        sample = os.path.join(TOP, "sample")
+        with tempfile.TemporaryDirectory() as folder:
+            made = os.path.join(folder, "bestand.xml")
+            subprocess.run([sys.executable, "-B", os.path.join(sample, "make_original.py"), made], check=True,
+                           stdout=subprocess.DEVNULL)
+            with open(made, "rb") as fresh, open(os.path.join(sample, "einstellungen", "bestand.xml"), "rb") as kept:
+                self.assertEqual(fresh.read(), kept.read())
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,13 +1,11 @@
 """From picking a point to its attributes in the table and back, and the defaults."""
 import os
 import re
-import shutil
 import unittest
 
 import dbase
-from console import TOP, ProjectCase
+from console import SETTINGS, SettingsCase
 
-SETTINGS = os.path.join(TOP, "sample", "einstellungen")
 # List of the sheet, column of the table, keys of the catalogue.
 OBJECT_LISTS = {
     7035: ("NE_ABM", ("abmarkung_Marke", "vermarkung_Marke")),
@@ -48,19 +46,7 @@ def shown(block):
     return {int(number) for number in re.findall(r"^ {2,5}(\d+)  ", block, re.M)}
 
 
-class Sheet(ProjectCase):
-    def setUp(self):
-        super().setUp()
-        self.ini = os.path.join(self.plugin, "pktausout.ini")
-        shutil.copy(os.path.join(SETTINGS, "pktausout.ini"), self.ini)
-        self.settings("PUNKTXMLFOLDER", os.path.join(SETTINGS, "reservierungen"))
-
-    def settings(self, key, value):
-        with open(self.ini, encoding="cp1252") as file:
-            text = re.sub("(?m)^%s = .*$" % key, '%s = "%s"' % (key, value), file.read())
-        with open(self.ini, "w", encoding="cp1252") as file:
-            file.write(text)
-
+class Sheet(SettingsCase):
     def point(self, number):
         return next(point for point in dbase.Table(self.table).live() if point["PT_NO"] == number)
 
@@ -159,7 +145,7 @@ class Sheet(ProjectCase):
         gmlid = self.point(number)["GMLID"]
         self.assertTrue(gmlid)
         both = ["7062 = DETH0000OBJ", "seite 2", "7059 = DETH0000POS"]
-        self.pick(number, "7078 = " + number, "7065", *both, "ok")
+        self.pick(number, "1", "7078 = " + number, "7065", *both, "ok")
         self.assertEqual((self.point(number)["NE_AKTION"], self.point(number)["NE_OBGID"], self.point(number)["GMLID"]),
                          ("2", "DETH0000OBJ", "DETH0000POS"))
         self.pick(number, "7064", "ok")
