@@ -14,6 +14,7 @@
 #include "entry/host/desktop.h"
 #include "nas/order_file.h"
 #include "store/object_types.h"
+#include "store/point_table.h"
 
 namespace pktaus {
 namespace {
@@ -54,7 +55,7 @@ const CatalogEntry* EntryOf(const CatalogTable& values, std::int32_t code) {
 
 }  // namespace
 
-CAdoptDataDlg::CAdoptDataDlg(const ImportedData& data, PointRecord* record)
+CAdoptDataDlg::CAdoptDataDlg(const char* pkn_abm_bza, const char* nastable, const char* gid, PointRecord* record)
     : Dialog(7009, "Sachdaten übernehmen"_ansi),
       fetch_text_(0, "", toolkit::TextField::Form::kReadOnlyLines),
       fetch_(kFetch, "Daten aus XML holen"),
@@ -64,15 +65,15 @@ CAdoptDataDlg::CAdoptDataDlg(const ImportedData& data, PointRecord* record)
       none_(kNone, "Keine"),
       adopt_(toolkit::kOk, "Übernehmen"_ansi),
       cancel_(toolkit::kCancel, "Abbruch"),
-      nastable_(WithoutPadding(data.nastable)),
+      nastable_(WithoutPadding(nastable)),
       type_(FindObjectTypeRow(nastable_)),
-      gid_(data.gid),
+      gid_(gid),
       record_(record) {
   fetch_text_.text =
       "Eine ObjektID wurde bei einem ALKIS Import hinterlegt.  Bitte holen Sie die vollständigen Daten direkt aus der XML"_ansi;
   adopt_text_.text =
       "Oder übernehmen sie hinterlegte Daten, machen Sie einen Haken an die Attribute die Sie übernehmen möchten. "_ansi;
-  const std::array<std::string, 4> parts = InFrontOfCommas(data.pkn_abm_bza);
+  const std::array<std::string, 4> parts = InFrontOfCommas(pkn_abm_bza);
   identifier_ = parts[0];
   abm_ = ReadNumber(parts[1]);
   bza_ = ReadNumber(parts[2]);
@@ -156,7 +157,7 @@ void CAdoptDataDlg::FetchFromOriginal() {
   if (!GetOriginalFile(&path)) return;
   const std::unique_ptr<PointRecord> found = SearchOriginalFile(path, gid_.c_str(), nullptr);
   if (found == nullptr) {
-    text_view("Gefunden Objekt ist", "Objekt nicht gefunden");
+    free_text_view("Gefunden Objekt ist", "Objekt nicht gefunden");
     return;
   }
   put(record_->obgid, found->obgid);
@@ -172,11 +173,17 @@ void CAdoptDataDlg::FetchFromOriginal() {
   End(toolkit::kOk);
 }
 
+int adopt_dialog(const char* /*point_number*/, const char* pkn_abm_bza, const char* nastable, const char* gid,
+                 PointRecord* record) {
+  CAdoptDataDlg dialog(pkn_abm_bza, nastable, gid, record);
+  return RunUnderHost(dialog);
+}
+
 int point_adopt_imported(const char* point_number, PointRecord* record) {
   ImportedData data;
   if (!point_read_imported(point_number, &data)) return 0;
-  CAdoptDataDlg dialog(data, record);
-  return RunUnderHost(dialog) == toolkit::kOk ? 0 : -1;
+  const int result = adopt_dialog(point_number, data.pkn_abm_bza, data.nastable.c_str(), data.gid, record);
+  return result == toolkit::kOk ? 0 : -1;
 }
 
 }  // namespace pktaus

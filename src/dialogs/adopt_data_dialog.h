@@ -6,7 +6,6 @@
 
 #include "catalog/catalog.h"
 #include "store/point_record.h"
-#include "store/point_table.h"
 #include "toolkit/dialog.h"
 
 namespace pktaus {
@@ -15,7 +14,7 @@ namespace pktaus {
 class CAdoptDataDlg : public toolkit::Dialog {
  public:
   /// `record` must outlive the dialog and changes when the surveyor goes on.
-  CAdoptDataDlg(const ImportedData& data, PointRecord* record);
+  CAdoptDataDlg(const char* pkn_abm_bza, const char* nastable, const char* gid, PointRecord* record);
 
  private:
   void OnOpened() override;
@@ -43,6 +42,11 @@ class CAdoptDataDlg : public toolkit::Dialog {
   const std::string gid_;
   PointRecord* const record_;
 };
+
+/// Runs the dialog under the host's main window; kOk where the surveyor goes on. The texts are those of the columns,
+/// the GMLID without blanks.
+int adopt_dialog(const char* point_number, const char* pkn_abm_bza, const char* nastable, const char* gid,
+                 PointRecord* record);
 
 /// Offers the imported data of a point, if there is any, to be taken into the record. 0 to go on, -1 when the surveyor
 /// gave up.

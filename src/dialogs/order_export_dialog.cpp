@@ -98,12 +98,14 @@ void COrderExportDlg::OnPressed(toolkit::ControlId id) {
 }
 
 void COrderExportDlg::OnChanged(toolkit::ControlId id) {
-  if (id == kOrders) List();
+  // The order that is shown already keeps its ticks.
+  if (id == kOrders && orders_.selected() != listed_) List();
 }
 
 void COrderExportDlg::List() {
   points_.Clear();
   numbers_.clear();
+  listed_ = orders_.selected();
   const toolkit::ChoiceList::Entry* chosen = orders_.selection();
   const OrderEntry* order = chosen != nullptr ? FindOrder(chosen->label) : nullptr;
   if (order == nullptr) {

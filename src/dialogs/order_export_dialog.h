@@ -37,6 +37,7 @@ class COrderExportDlg : public toolkit::Dialog {
   toolkit::Button cancel_;
 
   std::vector<std::string> numbers_;  ///< point number of each row
+  int listed_ = -1;                   ///< position of the order whose points the rows are
 };
 
 /// Opens the dialog under the host's main window and waits for its end.

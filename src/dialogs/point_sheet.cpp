@@ -84,10 +84,12 @@ void ReportMissingCatalogue(std::int32_t state) {
   message_box("Ini Datei nicht gefunden", file_name);
 }
 
+bool FitsTable(std::int64_t date) { return date > kLastNoDate && date <= std::numeric_limits<std::int32_t>::max(); }
+
 void ShowReserved(const std::string& title, const ReservedNumber* reserved) {
   std::string lines;
   for (; reserved != nullptr; reserved = reserved->next) lines.append(reserved->number).append(kLineBreak);
-  text_view(title.c_str(), lines.c_str());
+  free_text_view(title.c_str(), lines.c_str());
 }
 
 }  // namespace
@@ -323,7 +325,7 @@ void CPointSheetDlg::BuildPointIdentifier(bool use_point_number) {
   const std::string_view pattern = Pattern();
   object_.pkn.value = MakePointIdentifier(pattern, MakeIdentifierDigits(pattern, east_, north_),
                                           use_point_number ? point_number_.c_str() : nullptr);
-  object_.Show();
+  object_.pkn.Show();
 }
 
 bool CPointSheetDlg::CheckPointIdentifier(std::string_view identifier, std::string_view pattern) const {
@@ -397,9 +399,9 @@ std::string CPointSheetDlg::Fault() const {
       return "Punktkennzeichen ist nicht korrekt. Bitte prüfen"_ansi;
     }
   }
-  // A day beyond would come back as another one, or as none.
-  const bool fits = position_.date > kLastNoDate && position_.date <= std::numeric_limits<std::int32_t>::max();
-  if (position_.has_date && !fits) return "Das Prüfdatum liegt nicht zwischen 1970 und 2038. Bitte prüfen"_ansi;
+  // A day beyond would come back as another one, or as none. Nobody sees that of a type without the attribute.
+  if (position_.has_date && position_.day.visible && !FitsTable(position_.date))
+    return "Das Prüfdatum liegt nicht zwischen 1970 und 2038. Bitte prüfen"_ansi;
   return {};
 }
 
@@ -436,7 +438,7 @@ void CPointSheetDlg::StoreFields() {
   put(record_.auftrag, order_.value.substr(0, kOrderNumberLength).c_str());
   for (const Attribute& attribute : attributes_) record_.*attribute.field = attribute.list->SelectedValue();
   record_.lzv = position_.Lzv();
-  record_.dat = position_.has_date ? static_cast<std::int32_t>(position_.date) : 0;
+  record_.dat = position_.has_date && FitsTable(position_.date) ? static_cast<std::int32_t>(position_.date) : 0;
   if (one_point_) record_.aktion = action_.chosen;
 }
 

@@ -10,6 +10,7 @@
 #include "dialogs/gid_search_dialog.h"
 #include "dialogs/order_export_dialog.h"
 #include "dialogs/point_sheet.h"
+#include "entry/host/desktop.h"
 #include "entry/host/host.h"
 #include "platform/system.h"
 #include "store/point_record.h"
@@ -33,7 +34,10 @@ void* menu = nullptr;
 /// Lets the surveyor give a point its attributes. The coordinates are those that he has picked.
 void OpenPoint(const char* point_number, double east, double north) {
   // Without a number the sheet would edit the defaults.
-  if (*point_number == '\0') return;
+  if (*point_number == '\0') {
+    message_box("Der Punkt hat keine Punktnummer und kann keine Angaben bekommen.", "Hinweis");
+    return;
+  }
   PointRecord record{};
   const int state = point_read(point_number, &record);
   if (state == kNoAttributes) {

@@ -111,13 +111,14 @@ int OptionOf(const Control& control, ControlId id) {
 }  // namespace
 
 Control* Dialog::Find(ControlId id) const {
-  Control* first = nullptr;
+  // A page in front hides what has the same number behind it.
+  const auto rank = [this](const Control& control) { return !Shows(control) ? 0 : control.pages_id == 0 ? 1 : 2; };
+  Control* best = nullptr;
   for (Control* control : controls_) {
     if (control->id() != id && OptionOf(*control, id) < 0) continue;
-    if (Shows(*control)) return control;
-    if (first == nullptr) first = control;
+    if (best == nullptr || rank(*control) > rank(*best)) best = control;
   }
-  return first;
+  return best;
 }
 
 bool Dialog::Shows(const Control& control) const {

@@ -71,8 +71,8 @@ class Dialog {
   const std::string& title() const { return title_; }
   /// In order of the keyboard; pointers to members of the dialog.
   const std::vector<Control*>& controls() const { return controls_; }
-  /// Pages may use a number twice: the first control that the person sees, else the first. The number of an option
-  /// finds its group. Null where there is no such control.
+  /// Pages may use a number twice: the control on the page in front, else the first that the person sees, else the
+  /// first. The number of an option finds its group. Null where there is no such control.
   Control* Find(ControlId id) const;
   /// Whether the person sees the control: it is visible, and so is the page that it stands on.
   bool Shows(const Control& control) const;

@@ -36,6 +36,11 @@ int text_view(const char* title, const char* text) {
   return RunUnderHost(dialog);
 }
 
+int free_text_view(const char* title, const char* text) {
+  CTextViewDlg dialog(title, text);
+  return toolkit::RunModal(*korvo_desktop, dialog, 0);
+}
+
 std::string plugin_folder() {
   return folder_for_tests.empty() ? std::string(path::Folder(platform::OwnLibraryPath())) : folder_for_tests;
 }

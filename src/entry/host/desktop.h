@@ -13,8 +13,10 @@ toolkit::Window host_window();
 /// A modal message box under the host's main window. Texts in Windows-1252; `flags` as in toolkit/desktop.h.
 int message_box(const std::string& text, const std::string& title, unsigned flags = toolkit::kBoxOk);
 
-/// Shows a title and a text and waits. Line breaks are the caller's, as a rule "\r\r\n".
+/// Shows a title and a text under the host's main window and waits. Line breaks are the caller's, as a rule "\r\r\n".
 int text_view(const char* title, const char* text);
+/// The same without a parent, over whatever dialog is open.
+int free_text_view(const char* title, const char* text);
 
 /// The folder of the plug-in's library: settings, catalogues and templates lie there. No separator at its end.
 std::string plugin_folder();
