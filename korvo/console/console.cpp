@@ -13,11 +13,11 @@
 #include "entry/host/host.h"
 #include "korvo/console/dialog_commands.h"
 #include "korvo/console/dialog_view.h"
-#include "korvo/words/words.h"
 #include "korvo/dbase/table.h"
 #include "korvo/host/plugin.h"
 #include "korvo/host/points.h"
 #include "korvo/host/project.h"
+#include "korvo/words/words.h"
 #include "platform/file.h"
 #include "platform/save.h"
 

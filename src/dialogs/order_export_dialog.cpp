@@ -24,6 +24,10 @@ constexpr toolkit::ControlId kCount = 7010;
 constexpr toolkit::ControlId kApplication = 7021;
 constexpr toolkit::ControlId kRemove = 7071;
 
+constexpr const char* kRemoveWarning =
+    "Achtung, von den markierten Punkten werden die PKT_AUS Einstellungen entfernt.\n\r"
+    "Der Dialog schließt danach automatisch"_ansi;
+
 /// More points than any order has.
 constexpr std::int32_t kLimit = 1000000;
 
@@ -170,10 +174,8 @@ void COrderExportDlg::Write() {
 }
 
 void COrderExportDlg::Remove() {
-  const int answer = message_box(
-      "Achtung, von den markierten Punkten werden die PKT_AUS Einstellungen entfernt.\n\rDer Dialog schließt danach automatisch"_ansi,
-      "Warnung!", toolkit::kBoxOkCancel | toolkit::kBoxWarning);
-  if (answer != toolkit::kAnswerOk) return;
+  constexpr unsigned kFlags = toolkit::kBoxOkCancel | toolkit::kBoxWarning;
+  if (message_box(kRemoveWarning, "Warnung!", kFlags) != toolkit::kAnswerOk) return;
   point_remove_all(TickedPoints());
   End(toolkit::kOk);
 }

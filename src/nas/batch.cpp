@@ -33,7 +33,7 @@ std::string WriteBatchFile(BatchPoint* points, const std::string& output_path, c
                            const std::string& land, const std::string& application_number,
                            const std::string& order_number) {
   Frame frame;
-  const std::string error = frame.Open(template_path, application_number, order_number);
+  std::string error = frame.Open(template_path, application_number, order_number);
   if (!error.empty()) return error;
   return frame.Close(output_path, AppendMembers(frame, points, land));
 }

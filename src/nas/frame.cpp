@@ -17,13 +17,14 @@ CTreeNode* Child(CTreeNode* node, const char* name) {
 
 }  // namespace
 
-Frame::Frame() : document_(std::make_unique<CTreeDocument>()) {}
+Frame::Frame() : document_(std::make_unique<CTreeDocument>()) {
+  id_counter = 1;
+  point_counter = 1;
+}
 Frame::~Frame() = default;
 
 std::string Frame::Open(const std::string& template_path, const std::string& application_number,
                         const std::string& order_number) {
-  id_counter = 1;
-  point_counter = 1;
   if (!platform::FileExists(template_path)) return "Fehler: Datei '" + template_path + "' wurde nicht gefunden";
   document_->LoadXml(template_path, /*scan_all=*/false);
   CTreeNode* root = document_->GetRoot();

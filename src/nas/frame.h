@@ -11,11 +11,12 @@ class CTreeNode;
 
 class Frame {
  public:
+  /// Begins a new file: its identifiers start at 1.
   Frame();
   ~Frame();
 
-  /// Begins a new file: identifiers start at 1 and the template is read. Empty, or the message for the user
-  /// where the template is not there or has no place for the two numbers.
+  /// Reads the template and sets the two numbers. Empty, or the message for the user where the template is not there or
+  /// has no place for them.
   std::string Open(const std::string& template_path, const std::string& application_number,
                    const std::string& order_number);
 

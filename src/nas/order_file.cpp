@@ -142,9 +142,9 @@ Walk OrderWriter::AppendFurther(const PointRecord& point) {
   return Walk::kOn;
 }
 
-/// A path with a drive or from the root is complete; anything else lies beside the library.
+/// A path with a drive or from this platform's root is complete; anything else lies beside the library.
 std::string TemplatePath(const std::string& header_name) {
-  const bool complete = header_name.find(':') != std::string::npos || path::IsAbsolute(header_name);
+  const bool complete = header_name.find(':') != std::string::npos || header_name.starts_with(path::kSeparator);
   return complete ? header_name : path::Join(plugin_folder(), header_name);
 }
 
@@ -152,8 +152,8 @@ std::string TemplatePath(const std::string& header_name) {
 
 std::string WriteOrderFile(const std::string& output_path, const std::string& header_name, PointRecord* points,
                            std::int32_t limit, const std::string& organisation, const std::string& land) {
-  if (points == nullptr) return "Fehler: Kein objekt in der Liste";
   Frame frame;
+  if (points == nullptr) return "Fehler: Kein objekt in der Liste";
   std::string error = frame.Open(TemplatePath(header_name), points->antragn, points->auftrag);
   if (!error.empty()) return error;
   if (frame.transaction() == nullptr) return kNothingFound;
