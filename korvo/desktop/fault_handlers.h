@@ -19,4 +19,18 @@ class FaultHandlers {
   std::array<struct sigaction, kFaults.size()> actions_{};
 };
 
+/// Other handlers for a block.
+class UnderHandlers {
+ public:
+  explicit UnderHandlers(const FaultHandlers& handlers) { handlers.PutBack(); }
+  ~UnderHandlers() { before_.PutBack(); }
+  UnderHandlers(const UnderHandlers&) = delete;
+  UnderHandlers& operator=(const UnderHandlers&) = delete;
+
+  const FaultHandlers& before() const { return before_; }
+
+ private:
+  FaultHandlers before_;
+};
+
 }  // namespace korvo

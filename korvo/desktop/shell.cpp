@@ -6,7 +6,8 @@
 
 namespace korvo {
 
-Waits::Wait::Wait(Waits& waits, std::function<void()> cancel) : waits_(waits), cancel_(std::move(cancel)) {
+Waits::Wait::Wait(Waits& waits, std::function<void()> cancel)
+    : waits_(waits), cancel_(std::move(cancel)), hosts_handlers_(waits.hosts_) {
   waits_.open_.push_back(this);
 }
 
@@ -18,9 +19,8 @@ Waits::Wait::~Wait() {
 void Waits::Wait::Run() {
   if (!stopped_) {
     if (waits_.leaving_) waits_.LeaveSoon();
-    waits_.hosts_.PutBack();
     loop_.exec();
-    callers_.PutBack();
+    if (!stopped_) cancel_();
   }
   if (kept_ != nullptr) std::rethrow_exception(std::exchange(kept_, nullptr));
 }
@@ -101,10 +101,8 @@ void Waits::AtEdge(const std::function<void()>& work) noexcept {
 
 void Waits::InPlugin(const std::function<void()>& work) noexcept {
   if (open_.empty()) return AtEdge(work);
-  const Wait& wait = *open_.back();
-  wait.callers_.PutBack();
+  const UnderHandlers plugins(open_.back()->hosts_handlers_.before());
   AtEdge(work);
-  hosts_.PutBack();
 }
 
 }  // namespace korvo

@@ -40,7 +40,7 @@ class Shell {
 };
 
 /// The event loops in which the plug-in waits for the person, one inside the other. Nothing is thrown through them:
-/// what a callback throws is kept and raised behind the loop that it was called from. While a loop runs, machine faults
+/// what a callback throws is kept and raised behind the loop that it was called from. During a wait machine faults
 /// find the handlers that stood before any plug-in was started, so that none of its own jumps over the loop.
 class Waits {
  public:
@@ -65,6 +65,9 @@ class Waits {
   int WaitForChoice(Shell& shell, const Menu& menu);
   std::int32_t WaitForPick(Shell& shell);
 
+  /// Handlers of machine faults for what the host does while the plug-in runs.
+  const FaultHandlers& hosts_handlers() const { return hosts_; }
+
   /// One loop. `cancel` is what Leave does to it.
   class Wait {
    public:
@@ -72,7 +75,8 @@ class Waits {
     ~Wait();
     Wait(const Wait&) = delete;
     Wait& operator=(const Wait&) = delete;
-    /// Runs events until Stop, which may have come before, and then raises what AtEdge kept.
+    /// Runs events until Stop, which may have come before, and then raises what AtEdge kept. Where the whole program
+    /// ends first, the wait is cancelled.
     void Run();
     void Stop();
 
@@ -83,7 +87,7 @@ class Waits {
     QEventLoop loop_;
     bool stopped_ = false;
     std::exception_ptr kept_;
-    FaultHandlers callers_;  ///< those that stood when the wait began
+    UnderHandlers hosts_handlers_;
   };
 
   /// The edge of a callback that runs in the innermost loop: what `work` throws ends that loop and is raised behind it.

@@ -72,6 +72,10 @@ CExportDlg::CExportDlg()
     field->text = "?";
   }
   for (toolkit::TextField* field : {&kst_, &her_, &gst_, &zst_}) field->group = "Standardwerte";
+  for (toolkit::Control* control :
+       std::initializer_list<toolkit::Control*>{&apply_filter_, &all_off_, &count_, &order_number_, &her_, &zst_}) {
+    control->beside = true;
+  }
   for (toolkit::Control* control : std::initializer_list<toolkit::Control*>{
            &points_, &filter_, &apply_filter_, &all_on_, &all_off_, &count_, &application_number_, &order_number_,
            &state_, &kst_, &her_, &gst_, &zst_, &write_, &cancel_}) {

@@ -146,6 +146,7 @@ CPointSheetDlg::CPointSheetDlg(const char* point_number, double east, double nor
 }
 
 void CPointSheetDlg::AddControls() {
+  order_.field.beside = organisation_.field.beside = true;
   for (toolkit::Control* control : std::initializer_list<toolkit::Control*>{
            &text_line_.field, &application_.field, &order_.field, &states_, &organisation_.field, &types_, &pages_}) {
     Add(control);

@@ -72,6 +72,7 @@ TlbPktAusWerte::TlbPktAusWerte()
       gid(7062, "GID: ") {
   Place(TabWerte::kObject,
         {&pkn.field, &ask, &from_point_number, &check_reservation, &abm, &bza, &art, &zst, &gid.field});
+  ask.beside = from_point_number.beside = check_reservation.beside = true;
 }
 
 void TlbPktAusWerte::Show() {
@@ -100,6 +101,7 @@ TlbPktAusW2::TlbPktAusW2()
       day(7027, "", /*may_be_off=*/false),
       gid(7059, "GID: ") {
   Place(TabWerte::kPosition, {&vtw, &lzv, &hin, &explain, &kst, &her, &gst, &has_day, &day, &gid.field});
+  explain.beside = day.beside = true;
   for (const char* label : {"-- ohne --", "true", "false"}) lzv.Add({.label = label, .text = {}});
 }
 
@@ -127,7 +129,10 @@ TlbNasWeitere::TlbNasWeitere()
              TextField{7031, ""}, TextField{7033, ""}, TextField{7035, ""}, TextField{7037, ""},
              TextField{7038, ""}, TextField{7040, ""}, TextField{7043, ""}, TextField{7045, ""}} {
   std::vector<toolkit::Control*> all;
-  for (TextField& field : fields) all.push_back(&field);
+  for (TextField& field : fields) {
+    field.beside = all.size() % 2 == 1;
+    all.push_back(&field);
+  }
   Place(TabWerte::kMore, std::move(all));
 }
 

@@ -23,6 +23,7 @@ std::size_t ChoiceList::Add(Entry entry) {
   const auto place = sorted_ ? std::upper_bound(entries_.begin(), entries_.end(), entry, Precedes) : entries_.end();
   const std::size_t position = static_cast<std::size_t>(place - entries_.begin());
   entries_.insert(place, std::move(entry));
+  ++revision_;
   if (selected_ >= 0 && position <= static_cast<std::size_t>(selected_)) ++selected_;
   return position;
 }
@@ -31,6 +32,7 @@ void ChoiceList::Fill(std::vector<Entry> entries) {
   entries_ = std::move(entries);
   if (sorted_) std::stable_sort(entries_.begin(), entries_.end(), Precedes);
   selected_ = -1;
+  ++revision_;
 }
 
 void ChoiceList::Clear() { Fill({}); }

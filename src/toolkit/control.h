@@ -39,6 +39,8 @@ class Control {
   std::string group;
   ControlId pages_id = 0;
   int page = 0;
+  /// Hint of layout: stands in one row with the control in front of it.
+  bool beside = false;
 
  private:
   Kind kind_;
@@ -118,11 +120,14 @@ class ChoiceList : public Control {
   const Entry* selection() const;
   /// Value of the selected entry, -1 for none.
   std::int32_t SelectedValue() const;
+  /// Another number after each change of the entries.
+  std::uint64_t revision() const { return revision_; }
 
  private:
   bool sorted_;
   std::vector<Entry> entries_;
   int selected_ = -1;
+  std::uint64_t revision_ = 0;
 };
 
 /// A flat list of rows with a tick box each, in order of insertion. One row at most is selected.
@@ -138,30 +143,39 @@ class TickList : public Control {
   void Add(Row row) {
     ticked_ += row.ticked ? 1 : 0;
     rows_.push_back(std::move(row));
+    ++revision_;
   }
   /// Takes all rows away, and the selection with them.
   void Clear() {
     rows_.clear();
     ticked_ = 0;
     selected = -1;
+    ++revision_;
   }
   const std::vector<Row>& rows() const { return rows_; }
   void Tick(std::size_t row, bool on) {
     ticked_ = ticked_ + (on ? 1 : 0) - (rows_[row].ticked ? 1 : 0);
     rows_[row].ticked = on;
+    ++ticks_revision_;
   }
   void TickAll(bool on) {
     for (Row& row : rows_) row.ticked = on;
     ticked_ = on ? rows_.size() : 0;
+    ++ticks_revision_;
   }
   /// Number of ticked rows, kept at hand: it is asked for after every click.
   std::size_t ticked() const { return ticked_; }
+  /// Another number after each row that comes or goes, and after each tick.
+  std::uint64_t revision() const { return revision_; }
+  std::uint64_t ticks_revision() const { return ticks_revision_; }
 
   int selected = -1;
 
  private:
   std::vector<Row> rows_;
   std::size_t ticked_ = 0;
+  std::uint64_t revision_ = 0;
+  std::uint64_t ticks_revision_ = 0;
 };
 
 /// A sheet of pages with captions that may change. Controls name their page themselves (pages_id, page).

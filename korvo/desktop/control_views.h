@@ -1,0 +1,85 @@
+// One view for each kind of control: it shows what the control holds and tells what the person does to it.
+#pragma once
+
+#include <QLabel>
+#include <QSet>
+#include <QTabWidget>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "toolkit/dialog.h"
+
+namespace korvo {
+
+/// Letters that press or reach a control together with Alt, each at most once.
+class ShortcutLetters {
+ public:
+  /// The text as one line with one of its letters marked; without a mark where all of its letters are taken.
+  QString Mark(std::string_view ansi);
+
+ private:
+  QSet<QChar> taken_;
+};
+
+/// The widgets of one control. They bear the control's number as their object name and belong to their parent widget;
+/// the view must not be used after them.
+class ControlView {
+ public:
+  using Send = std::function<void(const toolkit::Event&)>;
+
+  explicit ControlView(const toolkit::Control& control) : control_(control) {}
+  virtual ~ControlView() = default;
+  ControlView(const ControlView&) = delete;
+  ControlView& operator=(const ControlView&) = delete;
+
+  const toolkit::Control& control() const { return control_; }
+  /// What stands in the layout, and in front of it the label, which may be null.
+  QWidget* widget() const { return widget_; }
+  QLabel* label() const { return label_; }
+  /// Whether it takes height that the window has to spare, and how much compared with others; 0 for not at all.
+  virtual int Growth() const { return 0; }
+  /// Whether it takes the width that its row has to spare.
+  virtual bool IsWide() const { return true; }
+
+  /// Brings the widgets up to what the control holds now.
+  void Show(ShortcutLetters* letters);
+
+ protected:
+  void SetWidget(QWidget* widget);
+  void AddLabel(QWidget* parent);
+  virtual void ShowCaption(const QString& marked);
+  virtual void ShowContents() = 0;
+
+ private:
+  const toolkit::Control& control_;
+  QWidget* widget_ = nullptr;
+  QLabel* label_ = nullptr;
+  std::optional<std::string> shown_label_;
+};
+
+/// A sheet of pages; whoever lays the dialog out fills them.
+class PagesView : public ControlView {
+ public:
+  PagesView(const toolkit::Pages& pages, QWidget* parent, const Send& send);
+  int Growth() const override { return 1; }
+  /// The page of that index from 0, which need not have a caption yet.
+  QWidget* Page(int index);
+
+ protected:
+  void ShowContents() override;
+
+ private:
+  const toolkit::Pages& pages_;
+  QTabWidget* tabs_;
+  std::vector<QWidget*> made_;
+  std::vector<std::string> shown_captions_;
+};
+
+/// The view of any control, its widgets below `parent`.
+std::unique_ptr<ControlView> MakeView(const toolkit::Control& control, QWidget* parent, const ControlView::Send& send);
+
+}  // namespace korvo

@@ -1,0 +1,265 @@
+#include "korvo/desktop/desktop_front_end.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "base/path.h"
+#include "base/text.h"
+#include "entry/host/host.h"
+#include "korvo/desktop/dialog_window.h"
+#include "korvo/desktop/settings.h"
+#include "korvo/desktop/text.h"
+#include "korvo/host/points.h"
+#include "korvo/host/project.h"
+
+namespace korvo {
+
+using namespace text::literals;
+
+namespace {
+
+constexpr const char* kMainClass = "GD_WIN32";
+constexpr const char* kOtherClass = "Dialog";
+/// Longer texts of a box would make it larger than the screen; they can be unfolded.
+constexpr qsizetype kLongestText = 1500;
+constexpr qsizetype kMostLines = 30;
+
+toolkit::Window HandleOf(const QWidget* widget) { return reinterpret_cast<toolkit::Window>(widget); }
+
+QWidget* WidgetOf(toolkit::Window window) {
+  const QWidgetList all = QApplication::topLevelWidgets();
+  for (QWidget* widget : all) {
+    if (HandleOf(widget) == window) return widget;
+  }
+  return nullptr;
+}
+
+struct BoxButton {
+  QMessageBox::StandardButton button;
+  const char16_t* caption;
+  int answer;
+};
+constexpr BoxButton kBoxButtons[] = {
+    {QMessageBox::Ok, u"OK", toolkit::kAnswerOk},
+    {QMessageBox::Yes, u"&Ja", toolkit::kAnswerYes},
+    {QMessageBox::No, u"&Nein", toolkit::kAnswerNo},
+    {QMessageBox::Cancel, u"Abbrechen", toolkit::kAnswerCancel},
+};
+
+QMessageBox::StandardButtons ButtonsOf(unsigned flags) {
+  switch (flags & 0x0FU) {
+    case toolkit::kBoxOkCancel:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case toolkit::kBoxYesNoCancel:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case toolkit::kBoxYesNo:
+      return QMessageBox::Yes | QMessageBox::No;
+    default:
+      return QMessageBox::Ok;
+  }
+}
+
+QMessageBox::Icon IconOf(unsigned flags) {
+  switch (flags & 0xF0U) {
+    case toolkit::kBoxError:
+      return QMessageBox::Critical;
+    case toolkit::kBoxQuestion:
+      return QMessageBox::Question;
+    case toolkit::kBoxWarning:
+      return QMessageBox::Warning;
+    case toolkit::kBoxInformation:
+      return QMessageBox::Information;
+    default:
+      return QMessageBox::NoIcon;
+  }
+}
+
+void SetText(QMessageBox* box, const QString& text) {
+  const bool is_long = text.size() > kLongestText || text.count(QChar(u'\n')) > kMostLines;
+  const QString front = text.section(QChar(u'\n'), 0, kMostLines).left(kLongestText);
+  box->setTextFormat(Qt::PlainText);
+  box->setText(is_long ? front + QChar(u'…') : text);
+  if (is_long) box->setDetailedText(text);
+}
+
+QString FolderKey() { return QStringLiteral("ordner/letzter"); }
+
+QString LastFolder() {
+  const QString folder = Remembered().value(FolderKey()).toString();
+  if (!folder.isEmpty() && QDir(folder).exists()) return folder;
+  return QString::fromStdString(path::ToDisk(ProjectFolder()));
+}
+
+}  // namespace
+
+int DesktopFrontEnd::ChooseFromMenu(const Menu& menu) { return waits_.WaitForChoice(shell_, menu); }
+
+bool DesktopFrontEnd::PickPoint(HostPoint* point) {
+  for (;;) {
+    const std::int32_t record = waits_.WaitForPick(shell_);
+    if (record == 0) return false;
+    // The plug-in knows a point by its number alone: where it stands more than once, its first point is meant.
+    HostPoint picked;
+    if (!ReadPoint(record, &picked) || FindPoint(picked.pt_no, &picked) == 0) continue;
+    *point = picked;
+    return true;
+  }
+}
+
+void DesktopFrontEnd::PointChanged(std::int32_t number) {
+  const UnderHandlers hosts(waits_.hosts_handlers());
+  shell_.PointChanged(number);
+}
+
+QWidget* DesktopFrontEnd::Below(toolkit::Window parent) const {
+  if (!windows_.empty()) return windows_.back();
+  QWidget* const asked = WidgetOf(parent);
+  return asked != nullptr ? asked : shell_.Widget();
+}
+
+void DesktopFrontEnd::ShowDialogs() {
+  for (DialogWindow* window : windows_) window->ShowControls();
+}
+
+void DesktopFrontEnd::Run(toolkit::Dialog& dialog, toolkit::Window parent) {
+  ShowDialogs();
+  DialogWindow* shown = nullptr;
+  Waits::Wait wait(waits_, [&] {
+    if (shown != nullptr) shown->reject();
+    if (dialog.IsOpen()) waits_.StopLeaving();
+  });
+  DialogWindow window(dialog, waits_, Below(parent), [&] { wait.Stop(); });
+  shown = &window;
+  windows_.push_back(&window);
+  window.show();
+  try {
+    wait.Run();
+  } catch (...) {
+    windows_.pop_back();
+    throw;
+  }
+  windows_.pop_back();
+}
+
+int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, unsigned flags,
+                             toolkit::Window parent) {
+  ShowDialogs();
+  QMessageBox* shown = nullptr;
+  Waits::Wait wait(waits_, [&] { shown->done(0); });
+  QMessageBox box(Below(parent));
+  shown = &box;
+  box.setWindowModality(Qt::ApplicationModal);
+  box.setWindowTitle(AsLine(title));
+  box.setIcon(IconOf(flags));
+  SetText(&box, AsLines(text));
+  const QMessageBox::StandardButtons buttons = ButtonsOf(flags);
+  box.setStandardButtons(buttons);
+  for (const BoxButton& one : kBoxButtons) {
+    if (buttons.testFlag(one.button)) box.button(one.button)->setText(QString::fromUtf16(one.caption));
+  }
+  QObject::connect(&box, &QDialog::finished, &box, [&] { wait.Stop(); });
+  box.show();
+  wait.Run();
+  int answer = buttons == QMessageBox::Ok ? toolkit::kAnswerOk : toolkit::kAnswerCancel;
+  for (const BoxButton& one : kBoxButtons) {
+    if (box.clickedButton() != nullptr && box.clickedButton() == box.button(one.button)) answer = one.answer;
+  }
+  TellSaved();
+  return answer;
+}
+
+bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
+  picker->setWindowModality(Qt::ApplicationModal);
+  for (;;) {
+    {
+      Waits::Wait wait(waits_, [&] { picker->reject(); });
+      const QMetaObject::Connection stop = QObject::connect(picker, &QDialog::finished, picker, [&] { wait.Stop(); });
+      picker->show();
+      wait.Run();
+      QObject::disconnect(stop);
+    }
+    if (picker->result() != QDialog::Accepted) return false;
+    const QString chosen = picker->selectedFiles().value(0);
+    if (const std::optional<std::string> inside = path::FromDisk(chosen.toStdString())) {
+      *path = *inside;
+      Remembered().setValue(FolderKey(), picker->directory().absolutePath());
+      return true;
+    }
+    ShowBox(std::string("Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252): "_ansi) +
+                text::FromUtf8Lossy(chosen.toStdString()),
+            "Korvo", toolkit::kBoxWarning, HandleOf(picker));
+  }
+}
+
+bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) {
+  ShowDialogs();
+  const UnderHandlers hosts(waits_.hosts_handlers());
+  QFileDialog picker(Below(pick.owner), AsLine(pick.title), LastFolder());
+  picker.setOption(QFileDialog::DontUseNativeDialog);
+  picker.setAcceptMode(pick.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  picker.setFileMode(pick.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  picker.setOption(QFileDialog::DontConfirmOverwrite, !pick.ask_before_overwrite);
+  QStringList filters;
+  for (const toolkit::FileFilter& one : pick.filters) {
+    const QString pattern = QString(FromAnsi(one.pattern)).replace(QChar(u';'), QChar(u' '));
+    filters +=
+        one.description == one.pattern ? pattern : FromAnsi(one.description) + QStringLiteral(" (%1)").arg(pattern);
+  }
+  if (!filters.isEmpty()) picker.setNameFilters(filters);
+  if (pick.save && pick.default_extension != "*") picker.setDefaultSuffix(FromAnsi(pick.default_extension));
+  if (!pick.path.empty()) picker.selectFile(FromAnsi(pick.path));
+  if (!RunPicker(&picker, path)) return false;
+  if (filter != nullptr)
+    *filter = static_cast<int>(std::max<qsizetype>(filters.indexOf(picker.selectedNameFilter()), 0));
+  if (pick.save) {
+    saved_path_ = picker.selectedFiles().value(0);
+    saved_before_ = QFileInfo(saved_path_).lastModified();
+  }
+  return true;
+}
+
+bool DesktopFrontEnd::PickFolder(const std::string& title, toolkit::Window parent, std::string* path) {
+  ShowDialogs();
+  const UnderHandlers hosts(waits_.hosts_handlers());
+  QFileDialog picker(Below(parent), AsLine(title), LastFolder());
+  picker.setOption(QFileDialog::DontUseNativeDialog);
+  picker.setOption(QFileDialog::ShowDirsOnly);
+  picker.setFileMode(QFileDialog::Directory);
+  return RunPicker(&picker, path);
+}
+
+void DesktopFrontEnd::TellSaved() {
+  if (saved_path_.isEmpty()) return;
+  const QFileInfo file(saved_path_);
+  if (!file.exists() || file.lastModified() == saved_before_) return;
+  shell_.FileSaved(std::exchange(saved_path_, QString()));
+}
+
+std::vector<toolkit::WindowInfo> DesktopFrontEnd::TopLevelWindows() {
+  std::vector<toolkit::WindowInfo> windows;
+  const QWidgetList all = QApplication::topLevelWidgets();
+  for (const QWidget* widget : all) {
+    const bool is_main = widget == shell_.Widget();
+    if (!is_main && !widget->isVisible()) continue;
+    windows.push_back({HandleOf(widget), ToAnsi(widget->windowTitle()), is_main ? kMainClass : kOtherClass});
+  }
+  return windows;
+}
+
+toolkit::Window DesktopFrontEnd::FindWindow(const std::string& class_name, const std::string& title) {
+  for (const toolkit::WindowInfo& info : TopLevelWindows()) {
+    if (info.class_name == class_name && info.title == title) return info.window;
+  }
+  return 0;
+}
+
+toolkit::Window DesktopFrontEnd::ForegroundWindow() { return HandleOf(QApplication::activeWindow()); }
+
+}  // namespace korvo
