@@ -226,7 +226,8 @@ bool Console::PickByCommand(std::string_view command, HostPoint* point) {
 
 void Console::Run(toolkit::Dialog& dialog, toolkit::Window /*parent*/) {
   DialogView view(terminal_, dialog);
-  DialogCommands commands(terminal_, dialog, view, clock_);
+  DialogCommands commands(terminal_, dialog, view, clock_,
+                          [&dialog](const toolkit::Event& event) { return dialog.Handle(event); });
   view.ShowAll();
   while (dialog.IsOpen()) {
     const std::optional<std::string> command = terminal_.Ask(std::to_string(dialog.number()) + "> ");

@@ -84,7 +84,7 @@ const char* DialogHelp() {
 }
 
 void DialogCommands::Send(toolkit::ControlId id, const toolkit::Event& event) {
-  const Answer answer = dialog_.Handle(event);
+  const Answer answer = deliver_(event);
   if (answer != Answer::kTaken) {
     terminal_.Refuse("Das Element "_ansi + std::to_string(id) + " " + Explain(answer) + ".");
   }

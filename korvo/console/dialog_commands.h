@@ -1,8 +1,10 @@
 // The commands that a person has in a dialog.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "korvo/console/dialog_view.h"
 #include "korvo/console/terminal.h"
@@ -16,8 +18,11 @@ const char* DialogHelp();
 
 class DialogCommands {
  public:
-  DialogCommands(Terminal& terminal, toolkit::Dialog& dialog, DialogView& view, const platform::Clock& clock)
-      : terminal_(terminal), dialog_(dialog), view_(view), clock_(clock) {}
+  /// How an event reaches the dialog.
+  using Deliver = std::function<toolkit::Answer(const toolkit::Event&)>;
+  DialogCommands(Terminal& terminal, const toolkit::Dialog& dialog, DialogView& view, const platform::Clock& clock,
+                 Deliver deliver)
+      : terminal_(terminal), dialog_(dialog), view_(view), clock_(clock), deliver_(std::move(deliver)) {}
 
   /// Carries out one command or says what is wrong with it.
   void Do(std::string_view command);
@@ -35,9 +40,10 @@ class DialogCommands {
   void Show(std::string_view rest);
 
   Terminal& terminal_;
-  toolkit::Dialog& dialog_;
+  const toolkit::Dialog& dialog_;
   DialogView& view_;
   const platform::Clock& clock_;
+  Deliver deliver_;
 };
 
 }  // namespace korvo

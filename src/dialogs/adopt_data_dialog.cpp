@@ -57,9 +57,9 @@ const CatalogEntry* EntryOf(const CatalogTable& values, std::int32_t code) {
 
 CAdoptDataDlg::CAdoptDataDlg(const char* pkn_abm_bza, const char* nastable, const char* gid, PointRecord* record)
     : Dialog(7009, "Sachdaten übernehmen"_ansi),
-      fetch_text_(0, "", toolkit::TextField::Form::kReadOnlyLines),
+      fetch_text_(0, "", toolkit::TextField::Form::kReadOnly),
       fetch_(kFetch, "Daten aus XML holen"),
-      adopt_text_(0, "", toolkit::TextField::Form::kReadOnlyLines),
+      adopt_text_(0, "", toolkit::TextField::Form::kReadOnly),
       attributes_(kAttributes, ""),
       all_(kAll, "Alle "),
       none_(kNone, "Keine"),

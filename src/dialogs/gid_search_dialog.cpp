@@ -27,6 +27,7 @@ CGidSearchDlg::CGidSearchDlg(double* east, double* north)
       east_(east),
       north_(north) {
   edit_.enabled = false;
+  search_.beside = true;
   for (toolkit::Control* control :
        std::initializer_list<toolkit::Control*>{&gid_, &search_, &result_, &edit_, &cancel_}) {
     Add(control);

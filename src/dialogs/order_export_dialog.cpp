@@ -69,6 +69,7 @@ COrderExportDlg::COrderExportDlg()
       remove_(kRemove, "Entfernen"),
       write_(toolkit::kOk, "Speichern ..."),
       cancel_(toolkit::kCancel, "Abbruch") {
+  all_off_.beside = count_.beside = true;
   for (toolkit::Control* control : std::initializer_list<toolkit::Control*>{
            &orders_, &application_, &points_, &all_on_, &all_off_, &count_, &remove_, &write_, &cancel_}) {
     Add(control);

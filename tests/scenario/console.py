@@ -10,6 +10,7 @@ TOP = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", ".."))
 BIN = os.environ.get("PKTAUS_BIN_DIR", os.path.join(TOP, "build", "release", "bin"))
 SETTINGS = os.path.join(TOP, "sample", "einstellungen")
 ORIGINAL = os.path.join(SETTINGS, "bestand.xml")
+FRONT_END = os.environ.get("PKTAUS_FRONT_END", "korvo-console")
 SAMPLE = os.path.join(TOP, "sample", "musterstadt", "punkte.dbf")
 MENU = "--- Punkte mit ALKIS-Angaben ---"
 TIMEOUT = 60  # a hang, not a measure
@@ -32,7 +33,7 @@ class ProjectCase(unittest.TestCase):
         self.plugin = plugin
 
     def command(self, project=None):
-        return [os.path.join(BIN, "korvo-console"), "--clock", "2026-03-02T09:05:03", "--zone", "Europe/Berlin",
+        return [os.path.join(BIN, FRONT_END), "--clock", "2026-03-02T09:05:03", "--zone", "Europe/Berlin",
                 "--plugin", self.library, project or self.project]
 
     def start(self):
