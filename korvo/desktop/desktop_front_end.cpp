@@ -3,10 +3,12 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -89,6 +91,19 @@ void SetText(QMessageBox* box, const QString& text) {
   if (is_long) box->setDetailedText(text);
 }
 
+/// Tells files by their being, not by what is in them: of some that look like files nothing ever comes.
+class PlainIcons : public QFileIconProvider {
+ public:
+  QIcon icon(const QFileInfo& info) const override { return info.isDir() ? folder_ : file_; }
+  QString type(const QFileInfo& info) const override {
+    return info.isDir() ? QStringLiteral("Ordner") : info.suffix().toUpper() + QStringLiteral("-Datei");
+  }
+
+ private:
+  QIcon folder_ = QFileIconProvider::icon(Folder);
+  QIcon file_ = QFileIconProvider::icon(File);
+};
+
 QString FolderKey() { return QStringLiteral("ordner/letzter"); }
 
 QString LastFolder() {
@@ -98,6 +113,11 @@ QString LastFolder() {
 }
 
 }  // namespace
+
+DesktopFrontEnd::DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock)
+    : shell_(shell), waits_(waits), clock_(clock) {}
+
+DesktopFrontEnd::~DesktopFrontEnd() = default;
 
 int DesktopFrontEnd::ChooseFromMenu(const Menu& menu) { return waits_.WaitForChoice(shell_, menu); }
 
@@ -176,6 +196,8 @@ int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, 
 }
 
 bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
+  if (icons_ == nullptr) icons_ = std::make_unique<PlainIcons>();
+  picker->setIconProvider(icons_.get());
   picker->setWindowModality(Qt::ApplicationModal);
   for (;;) {
     {
@@ -189,7 +211,8 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
     const QString chosen = picker->selectedFiles().value(0);
     if (const std::optional<std::string> inside = path::FromDisk(chosen.toStdString())) {
       *path = *inside;
-      Remembered().setValue(FolderKey(), picker->directory().absolutePath());
+      const QFileInfo facts(chosen);
+      Remembered().setValue(FolderKey(), facts.isDir() ? facts.absoluteFilePath() : facts.absolutePath());
       return true;
     }
     ShowBox(std::string("Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252): "_ansi) +

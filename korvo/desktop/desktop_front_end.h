@@ -3,6 +3,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "korvo/host/front_end.h"
 
 class QFileDialog;
+class QFileIconProvider;
 class QWidget;
 
 namespace korvo {
@@ -19,8 +21,8 @@ class DialogWindow;
 class DesktopFrontEnd : public FrontEnd {
  public:
   /// All must outlive the front end.
-  DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock)
-      : shell_(shell), waits_(waits), clock_(clock) {}
+  DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock);
+  ~DesktopFrontEnd() override;
 
   int ChooseFromMenu(const Menu& menu) override;
   bool PickPoint(HostPoint* point) override;
@@ -48,7 +50,8 @@ class DesktopFrontEnd : public FrontEnd {
   Shell& shell_;
   Waits& waits_;
   const platform::Clock& clock_;
-  std::vector<DialogWindow*> windows_;  ///< open dialogs, the innermost last
+  std::vector<DialogWindow*> windows_;        ///< open dialogs, the innermost last
+  std::unique_ptr<QFileIconProvider> icons_;  ///< of the pickers
   QString saved_path_;
   QDateTime saved_before_;  ///< when the file was last written before the picker; not valid where it was not there
 };

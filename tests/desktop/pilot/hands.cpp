@@ -35,7 +35,7 @@ Answer Do(QLineEdit* edit, const std::string& text) {
   QTest::mouseClick(edit, Qt::LeftButton);
   QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClick(edit, Qt::Key_Delete);
-  QTest::keyClicks(edit, korvo::FromAnsi(text));
+  for (const QChar c : korvo::FromAnsi(text)) QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, c, {});
   return Answer::kTaken;
 }
 

@@ -144,7 +144,10 @@ class Pilot {
       return;
     }
     auto* const name = picker.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    name->setText(QDir::current().absoluteFilePath(korvo::FromAnsi(korvo::Unquote(command))));
+    // A bare name is for the picker to find a folder for, once it has one to remember.
+    const QString path = korvo::FromAnsi(korvo::Unquote(command));
+    const bool bare = std::exchange(picked_, true) && !path.contains(QChar(u'/'));
+    name->setText(bare ? path : QDir::current().absoluteFilePath(path));
     QTest::keyClick(name, Qt::Key_Return);
   }
 
@@ -167,12 +170,14 @@ class Pilot {
   const platform::Clock& clock_;
   std::vector<std::unique_ptr<Session>> sessions_;
   int flight_ = 0;
+  bool picked_ = false;
 };
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  QApplication application(count, arguments);
+  int none = 1;  // of the arguments: Qt would take some of them for its own
+  QApplication application(none, arguments);
   korvo::SetUpApplication(application);
   const char* const wanted = std::getenv("LC_ALL");
   if (wanted != nullptr && std::string_view(wanted).starts_with("de_DE") && *std::localeconv()->decimal_point != ',') {
@@ -181,8 +186,10 @@ int main(int count, char** arguments) {
   }
   std::map<std::string, std::string> options;
   for (int i = 1; i + 1 < count; i += 2) options[arguments[i]] = arguments[i + 1];
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
-                     QString::fromLocal8Bit(arguments[count - 1]) + QStringLiteral("/korvo"));
+  for (const QSettings::Format format : {QSettings::IniFormat, QSettings::NativeFormat}) {
+    QSettings::setPath(format, QSettings::UserScope,
+                       QString::fromLocal8Bit(arguments[count - 1]) + QStringLiteral("/korvo"));
+  }
   const std::unique_ptr<platform::Clock> clock(
       platform::NewStandingClock(options["--clock"].c_str(), options["--zone"].c_str()));
   korvo::Terminal terminal(stdin, false);
