@@ -1,0 +1,82 @@
+// Windows of the desktop in a test's own event loop, and a person who works in whatever is in front.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "korvo/desktop/desktop_front_end.h"
+#include "korvo/desktop/dialog_window.h"
+
+/// A main window that only keeps what it is told.
+class KeptShell : public korvo::Shell {
+ public:
+  QWidget* Widget() override { return &window; }
+  void ShowMenu(const korvo::Menu& menu) override { told += menu.name + " "; }
+  void HideMenu() override { told += "- "; }
+  void BeginPick() override { told += "pick "; }
+  void EndPick() override { told += "- "; }
+  void PointChanged(std::int32_t number) override { told += "point " + std::to_string(number) + " "; }
+  void ShowMessage(const QString& text) override { told += text.toStdString() + " "; }
+  void FileSaved(const QString& path) override { told += "saved " + path.toStdString() + " "; }
+
+  QWidget window;
+  std::string told;
+};
+
+/// A dialog with the rules of a test.
+class PlayedDlg : public toolkit::Dialog {
+ public:
+  explicit PlayedDlg(std::vector<toolkit::Control*> controls) : Dialog(9000, "Prüfen & <b>mehr</b>") {
+    for (toolkit::Control* control : controls) Add(control);
+  }
+  using Dialog::End;
+  std::function<void(toolkit::ControlId)> pressed = [this](toolkit::ControlId id) { End(id); };
+
+ private:
+  void OnPressed(toolkit::ControlId id) override { pressed(id); }
+};
+
+class DesktopCase : public testing::Test {
+ protected:
+  DesktopCase() { korvo::SetFrontEnd(&desktop); }
+  ~DesktopCase() override {
+    korvo::SetFrontEnd(nullptr);
+    EXPECT_TRUE(person_.empty());
+  }
+
+  /// What the person does, one after the other, each time with the window in front.
+  void Then(std::function<void(QWidget*)> act) {
+    person_.push_back(std::move(act));
+    if (person_.size() == 1) Soon();
+  }
+  int Run(toolkit::Dialog& dialog) { return toolkit::RunModal(desktop, dialog, 0); }
+
+  KeptShell shell;
+  korvo::Waits waits;
+  korvo::DesktopFrontEnd desktop{shell, waits, platform::SystemClock()};
+
+ private:
+  void Soon() {
+    QTimer::singleShot(1, [this] {
+      QWidget* const front = QApplication::activeModalWidget();
+      if (front == nullptr || person_.empty()) return Soon();
+      const std::function<void(QWidget*)> act = std::move(person_.front());
+      person_.pop_front();
+      // The act may open a loop, in which the next one comes.
+      if (!person_.empty()) Soon();
+      act(front);
+    });
+  }
+
+  std::deque<std::function<void(QWidget*)>> person_;
+};
+
+inline void Close(QWidget* window) { window->close(); }

@@ -1,0 +1,352 @@
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QSettings>
+#include <QSignalSpy>
+#include <csignal>
+#include <stdexcept>
+
+#include "base/failure.h"
+#include "base/text.h"
+#include "entry/guard.h"
+#include "korvo/desktop/application.h"
+#include "korvo/desktop/text.h"
+#include "tests/desktop/desktop_case.h"
+#include "tests/desktop/pilot/hands.h"
+#include "tests/support/fault_leaks.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using namespace text::literals;
+using toolkit::TextField;
+
+class Application : public testing::Environment {
+  void SetUp() override {
+    korvo::SetUpApplication(application_);
+    for (const QSettings::Format format : {QSettings::IniFormat, QSettings::NativeFormat}) {
+      QSettings::setPath(format, QSettings::UserScope, QString::fromStdString(settings_.path()));
+    }
+  }
+
+  support::TempFolder settings_;
+  int none_ = 1;
+  char name_[8] = "desktop";
+  char* arguments_[2] = {name_, nullptr};
+  QApplication application_{none_, arguments_};
+};
+
+const auto* const kApplication = testing::AddGlobalTestEnvironment(new Application);
+
+TEST(Text, GoesToTheScreenAndBack) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+  EXPECT_EQ(korvo::ToAnsi(korvo::FromAnsi(all)), all);
+  EXPECT_EQ(korvo::FromAnsi("\x80"), QStringLiteral("€"));
+  EXPECT_EQ(korvo::ToAnsi(QStringLiteral("a\u0142\U0001F600b")), "a??b");
+  EXPECT_EQ(korvo::AsLines("1\r\r\n2\n\r3\r\n4\n\n5\tx\x1b"), QStringLiteral("1\n2\n3\n4\n\n5    x␛"));
+  EXPECT_EQ(korvo::AsCaption("A&B\r\n"), QStringLiteral("A&&B␍␊"));
+}
+
+class Windows : public DesktopCase {};
+
+TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
+  TextField edit(9001, "Suchen & <i>finden</i>:");
+  TextField line(9002, "", TextField::Form::kReadOnly);
+  TextField lines(9003, "Zeilen:", TextField::Form::kReadOnlyLines);
+  toolkit::Button search(9004, "Suchen && mehr");
+  toolkit::DateField day(9005, "Tag:", true);
+  toolkit::TextField off(9006, "Gesperrt:");
+  toolkit::Button ok(toolkit::kOk, "OK");
+  toolkit::Button cancel(toolkit::kCancel, "Abbruch");
+  line.text = "<b>10 & 20</b>\n\r" + std::string(10000, 'x');
+  lines.text = "<b>eins</b>\r\r\nzwei";
+  off.enabled = false;
+  PlayedDlg dialog({&off, &edit, &line, &lines, &search, &day, &ok, &cancel});
+  std::vector<toolkit::ControlId> pressed;
+  dialog.pressed = [&](toolkit::ControlId id) {
+    pressed.push_back(id);
+    if (id == toolkit::kCancel && pressed.size() > 4) dialog.End(id);
+  };
+  Then([&](QWidget* window) {
+    auto* const field = pilot::Find<QLineEdit>(*window, 9001);
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Prüfen & <b>mehr</b>"));
+    EXPECT_EQ(window->focusWidget(), field);
+    EXPECT_LT(window->height(), 800);
+    EXPECT_EQ(pilot::Find<QLabel>(*window, 9002)->textFormat(), Qt::PlainText);
+    EXPECT_TRUE(pilot::Find<QLabel>(*window, 9002)->text().startsWith(QStringLiteral("<b>10 & 20</b>␊␍x")));
+    EXPECT_EQ(pilot::Find<QPlainTextEdit>(*window, 9003)->toPlainText(), QStringLiteral("<b>eins</b>\nzwei"));
+    // Both begin with the same letter; only one of them can have it.
+    QTest::keyClick(window, Qt::Key_S, Qt::AltModifier);
+    QTest::keyClick(window, Qt::Key_M, Qt::AltModifier);
+    EXPECT_EQ(pressed, std::vector<toolkit::ControlId>{9004});
+    QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ä"), {});
+    QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ł"), {});
+    EXPECT_EQ(edit.text, "ä?"_ansi);
+    EXPECT_EQ(field->text(), QStringLiteral("ä?"));
+    std::string order;
+    for (QWidget* at = field; order.size() < 30; at = QApplication::focusWidget()) {
+      order += at->objectName().toStdString() + " ";
+      QTest::keyClick(at, Qt::Key_Tab);
+    }
+    EXPECT_EQ(order.substr(0, 30), "9001 9003 9004 9005.an 1 2 900");
+    EXPECT_EQ(pilot::Do(static_cast<korvo::DialogWindow&>(*window), toolkit::DaySet{9005, true, {2024, 2, 29}}),
+              toolkit::Answer::kTaken);
+    EXPECT_EQ((std::vector{day.day.year, day.day.month, day.day.day}), (std::vector{2024, 2, 29}));
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_Return);
+    QTest::keyClick(field, Qt::Key_Escape);
+    window->close();
+    EXPECT_TRUE(window->isVisible()) << "the rule has not ended the dialog";
+    EXPECT_EQ(pilot::Difference(static_cast<korvo::DialogWindow&>(*window)), "");
+    window->resize(777, 555);
+    QTest::keyClick(window, Qt::Key_Escape);
+  });
+  EXPECT_EQ(Run(dialog), toolkit::kCancel);
+  EXPECT_EQ(pressed, (std::vector<toolkit::ControlId>{9004, 1, 2, 2, 2}));
+  Then([](QWidget* window) {
+    EXPECT_EQ(window->size(), QSize(777, 555));
+    window->close();
+  });
+  Run(dialog);
+}
+
+TEST_F(Windows, ListsOfManyRowsAreToldOfChangesAtOnce) {
+  constexpr int kRows = 100000;
+  toolkit::ChoiceList choice(9001, "Wahl:", false);
+  toolkit::TickList list(9002, "");
+  toolkit::Button all(9003, "Alle an");
+  toolkit::Button fewer(9004, "Weniger");
+  std::vector<toolkit::ChoiceList::Entry> entries;
+  for (int i = 0; i < kRows; ++i) {
+    list.Add({std::to_string(i), i, false});
+    entries.push_back({std::to_string(i), i, ""});
+  }
+  choice.Fill(std::move(entries));
+  choice.Select(kRows - 1);
+  PlayedDlg dialog({&choice, &list, &all, &fewer});
+  dialog.pressed = [&](toolkit::ControlId id) {
+    if (id == 9003) list.TickAll(true);
+    if (id == 9004) list.Clear();
+    if (id == 9004) list.Add({"eins", 1, false});
+    if (id == toolkit::kCancel) dialog.End(id);
+  };
+  QElapsedTimer since;
+  Then([&](QWidget* window) {
+    RecordProperty("open_ms", static_cast<int>(since.elapsed()));
+    auto* const view = pilot::Find<QListView>(*window, 9002);
+    QSignalSpy ticks(view->model(), &QAbstractItemModel::dataChanged);
+    QSignalSpy resets(view->model(), &QAbstractItemModel::modelReset);
+    EXPECT_EQ(pilot::Find<QComboBox>(*window, 9001)->currentText(), QStringLiteral("99999"));
+    QTest::mouseClick(pilot::Find(*window, 9003), Qt::LeftButton);
+    EXPECT_EQ(ticks.count(), 1);
+    EXPECT_EQ(resets.count(), 0);
+    EXPECT_EQ(pilot::Difference(static_cast<korvo::DialogWindow&>(*window)), "");
+    QTest::mouseClick(pilot::Find(*window, 9004), Qt::LeftButton);
+    EXPECT_EQ(view->model()->rowCount(), 1);
+    EXPECT_EQ(resets.count(), 1);
+    window->close();
+  });
+  since.start();
+  Run(dialog);
+}
+
+TEST_F(Windows, WhatARuleThrowsComesOutBehindTheLoop) {
+  const struct {
+    std::function<void()> rule;
+    const char* title;
+    const char* text;
+  } kClauses[] = {
+      {[] { throw static_cast<CDaoException*>(new CDaoException("gesperrt", 3260, "Leser", "Punkte")); },
+       "CDaoException a.cpp:7", "gesperrt"},
+      {[] { throw new CException("Zeiger"); }, "CException a.cpp:7", "Zeiger"},
+      {[] { throw CException("Wert"); }, "Fehler Aufgetreten!", "Wert"},
+      {[] { throw(errno = EACCES, 1); }, "Fehler Aufgetreten", "Zugriff verweigert."},
+      {[] { throw std::runtime_error("fremd"); }, "Fehler Aufgetreten!", "Unbekannter Fehler"},
+      {[] { __builtin_trap(); }, "Fehler Aufgetreten!", "Unbekannter Fehler"},
+  };
+  const support::FaultLeaks leaks;
+  for (const auto& clause : kClauses) {
+    SCOPED_TRACE(clause.title);
+    toolkit::Button outer_button(9001, "Weiter");
+    toolkit::Button inner_button(9001, "Werfen");
+    PlayedDlg outer({&outer_button});
+    PlayedDlg inner({&inner_button});
+    outer.pressed = [&](toolkit::ControlId) { Run(inner); };
+    inner.pressed = [&](toolkit::ControlId) { clause.rule(); };
+    const auto press = [](QWidget* window) { QTest::mouseClick(pilot::Find(*window, 9001), Qt::LeftButton); };
+    Then(press);
+    Then(press);
+    Then([&](QWidget* window) {
+      auto* const box = qobject_cast<QMessageBox*>(window);
+      ASSERT_NE(box, nullptr);
+      EXPECT_EQ(box->windowTitle(), QString::fromUtf8(clause.title));
+      EXPECT_TRUE(box->text().contains(QString::fromUtf8(clause.text))) << box->text().toStdString();
+      QTest::keyClick(box, Qt::Key_Return);
+    });
+    pktaus::RunGuarded([&] { Run(outer); }, "a.cpp", 7);
+    EXPECT_FALSE(outer.IsOpen() || inner.IsOpen());
+  }
+}
+
+TEST_F(Windows, FaultOfTheToolkitItselfEndsTheProgram) {
+  PlayedDlg dialog({});
+  const auto fault_in_loop = [&] {
+    Then([](QWidget*) { __builtin_trap(); });
+    pktaus::RunGuarded([&] { Run(dialog); }, "a.cpp", 7);
+    std::_Exit(0);
+  };
+  EXPECT_DEATH(fault_in_loop(), "");
+  // What a callback of the host throws is not lost either.
+  Then([&](QWidget*) { waits.AtEdge([] { throw std::runtime_error("Karte"); }); });
+  EXPECT_THROW(Run(dialog), std::runtime_error);
+}
+
+TEST_F(Windows, LeavingClosesAllThatIsOpenAndThenTheMenu) {
+  const korvo::Menu menu = {"PKTAUMEN", "Menü"_ansi, {{2, "Zwei"}, {0, "Ende"}}};
+  toolkit::Button ask(9001, "Fragen");
+  PlayedDlg dialog({&ask});
+  int answer = -1;
+  bool stubborn = true;
+  dialog.pressed = [&](toolkit::ControlId id) {
+    if (id == 9001) answer = desktop.ShowBox("Wirklich?", "Frage", toolkit::kBoxYesNo, 0);
+    if (id == toolkit::kCancel && !stubborn) dialog.End(id);
+  };
+  std::vector<int> chosen;
+  const auto plugin = [&] {
+    while ((chosen.push_back(desktop.ChooseFromMenu(menu)), chosen.back()) != 0) Run(dialog);
+    HostPoint point;
+    EXPECT_FALSE(desktop.PickPoint(&point));
+  };
+  QTimer::singleShot(0, [&] {
+    EXPECT_FALSE(waits.RunPlugin([] {})) << "one at a time";
+    waits.Pick(1);
+    waits.Choose(2);
+    waits.Choose(2);
+  });
+  Then([&](QWidget* window) { QTest::mouseClick(pilot::Find(*window, 9001), Qt::LeftButton); });
+  Then([&](QWidget*) { waits.Leave(); });
+  Then([&](QWidget* window) {
+    EXPECT_NE(dynamic_cast<korvo::DialogWindow*>(window), nullptr) << "it stays, and with it the plug-in";
+    EXPECT_EQ(answer, toolkit::kAnswerCancel);
+    stubborn = false;
+    waits.Leave();
+  });
+  EXPECT_TRUE(waits.RunPlugin(plugin));
+  EXPECT_EQ(chosen, (std::vector{2, 0}));
+  EXPECT_EQ(shell.told, "PKTAUMEN - PKTAUMEN - pick - ");
+  EXPECT_FALSE(waits.RunPlugin([] {})) << "nobody has left this one";
+}
+
+TEST_F(Windows, BoxesAnswerInGerman) {
+  const struct {
+    unsigned flags;
+    Qt::Key key;
+    int answer;
+    const char* captions;
+  } kCases[] = {
+      {toolkit::kBoxOk, Qt::Key_Escape, toolkit::kAnswerOk, "OK "},
+      {toolkit::kBoxOkCancel | toolkit::kBoxWarning, Qt::Key_Return, toolkit::kAnswerOk, "OK Abbrechen "},
+      {toolkit::kBoxOkCancel, Qt::Key_Escape, toolkit::kAnswerCancel, "OK Abbrechen "},
+      {toolkit::kBoxYesNo, Qt::Key_J, toolkit::kAnswerYes, "&Ja &Nein "},
+      {toolkit::kBoxYesNoCancel, Qt::Key_N, toolkit::kAnswerNo, "&Ja &Nein Abbrechen "},
+  };
+  for (const auto& c : kCases) {
+    Then([&](QWidget* window) {
+      std::string captions;
+      for (const QAbstractButton* button : static_cast<QMessageBox*>(window)->buttons()) {
+        captions += button->text().toStdString() + " ";
+      }
+      EXPECT_EQ(captions, c.captions);
+      EXPECT_EQ(static_cast<QMessageBox*>(window)->text(), QStringLiteral("<b>&amp;</b>\nzwei"));
+      EXPECT_EQ(static_cast<QMessageBox*>(window)->textFormat(), Qt::PlainText);
+      const bool letter = c.key != Qt::Key_Escape && c.key != Qt::Key_Return;
+      QTest::keyClick(window, c.key, letter ? Qt::AltModifier : Qt::NoModifier);
+    });
+    EXPECT_EQ(desktop.ShowBox("<b>&amp;</b>\n\rzwei", "Titel", c.flags, 0), c.answer);
+  }
+  Then([](QWidget* window) {
+    EXPECT_LT(window->sizeHint().height(), 900);
+    Close(window);
+  });
+  desktop.ShowBox(std::string(5000, '\n') + std::string(10000, 'x'), "Lang", 0, 0);
+}
+
+TEST_F(Windows, PickersRememberTheirFolderAndTellOfWhatWasSaved) {
+  const support::TempFolder folder;
+  const std::string target = folder.Write("schon da.XML", "alt");
+  toolkit::FilePick pick;
+  pick.save = true;
+  pick.title = "PKT AUS Datei anlegen";
+  pick.filters = {{"*.XML", "*.XML"}};
+  pick.default_extension = "*";
+  const auto type = [&](const std::string& text) {
+    return [text](QWidget* window) {
+      auto* const name = window->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+      name->setText(QString::fromStdString(text));
+      QTest::keyClick(name, Qt::Key_Return);
+    };
+  };
+  std::string path = "unberührt"_ansi;
+  int filter = 7;
+  Then(Close);
+  EXPECT_FALSE(desktop.PickFile(pick, &path, &filter));
+  EXPECT_EQ(path + std::to_string(filter), "unberührt7"_ansi);
+
+  const auto overwrite = [](QMessageBox::StandardButton answer) {
+    return [answer](QWidget* window) {
+      QTest::mouseClick(static_cast<QWidget*>(static_cast<QMessageBox*>(window)->button(answer)), Qt::LeftButton);
+    };
+  };
+  Then(type(folder.File("\u0142.XML")));
+  Then([](QWidget* window) {
+    EXPECT_TRUE(static_cast<QMessageBox*>(window)->text().contains(QStringLiteral("Zeichen")));
+    Close(window);
+  });
+  Then(type(target));
+  Then(overwrite(QMessageBox::No));
+  Then(type(target));
+  Then(overwrite(QMessageBox::Yes));
+  EXPECT_TRUE(desktop.PickFile(pick, &path, &filter));
+  EXPECT_EQ(path, target);
+  EXPECT_EQ(filter, 0);
+  Then(Close);
+  desktop.ShowBox("Fehler", "nicht geschrieben", 0, 0);
+  EXPECT_EQ(shell.told, "");
+  QTest::qWait(5);
+  folder.Write("schon da.XML", "neu");
+  for (int i = 0; i < 2; ++i) {
+    Then(Close);
+    desktop.ShowBox("Erfolgreich", "geschrieben", 0, 0);
+  }
+  EXPECT_EQ(shell.told, "saved " + target + " ");
+
+  Then([&](QWidget* window) {
+    auto* const picker = static_cast<QFileDialog*>(window);
+    EXPECT_EQ(picker->directory().absolutePath().toStdString(), folder.path());
+    EXPECT_EQ(picker->labelText(QFileDialog::Reject), QStringLiteral("Abbrechen"));
+    Close(window);
+  });
+  EXPECT_FALSE(desktop.PickFolder("Verzeichnis", 0, &path));
+}
+
+TEST_F(Windows, MainWindowIsFoundByItsClassAlone) {
+  shell.window.setWindowTitle(QStringLiteral("Korvo – Ä"));
+  const toolkit::Window main = desktop.FindWindow("GD_WIN32", "Korvo – Ä"_ansi);
+  EXPECT_NE(main, 0);
+  Then([&](QWidget* window) {
+    EXPECT_EQ(desktop.FindWindow("GD_WIN32", "Korvo"), 0);
+    EXPECT_EQ(desktop.TopLevelWindows().size(), 2U);
+    EXPECT_NE(desktop.ForegroundWindow(), main);
+    Close(window);
+  });
+  desktop.ShowBox("Text", "Korvo", 0, main);
+}
+
+}  // namespace
