@@ -1,22 +1,27 @@
 #include "korvo/desktop/control_views.h"
 
 #include <QButtonGroup>
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDateEdit>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QToolButton>
 #include <QWheelEvent>
+#include <QWidgetAction>
 #include <algorithm>
 
 #include "korvo/desktop/list_models.h"
 #include "korvo/desktop/text.h"
+#include "korvo/words/words.h"
 
 namespace korvo {
 
@@ -83,6 +88,11 @@ class LineView : public ControlView {
     line_->setTextFormat(Qt::PlainText);
     line_->setWordWrap(true);
     line_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // It has the width that others leave it: a long word must not widen the window.
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    line_->setSizePolicy(policy);
+    line_->setMinimumWidth(1);
   }
 
  protected:
@@ -193,58 +203,124 @@ class RadioView : public ControlView {
   QButtonGroup* buttons_;
 };
 
+/// A day as text. The toolkit's own field takes another day than the one typed where the day does not fit the month
+/// that stood there before.
+class DayEdit : public QLineEdit {
+ public:
+  using QLineEdit::QLineEdit;
+
+  std::optional<platform::CivilTime> day() const {
+    std::optional<platform::CivilTime> typed = ToDay(Trim(ToAnsi(text())));
+    if (typed && typed->year >= 0 && typed->year < 100) typed->year += 2000;
+    return typed && QDate::isValid(typed->year, typed->month, typed->day) ? typed : std::nullopt;
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    // Enter must not confirm the window with a day that nobody has typed.
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!enter || day()) return QLineEdit::keyPressEvent(event);
+    selectAll();
+    event->accept();
+  }
+};
+
 class DateView : public ControlView {
  public:
   DateView(const toolkit::DateField& field, QWidget* parent, const Send& send)
-      : ControlView(field), field_(field), send_(send), box_(new QWidget(parent)), edit_(new Calm<QDateEdit>(box_)) {
+      : ControlView(field), field_(field), send_(send), box_(new QWidget(parent)) {
     SetWidget(box_);
-    AddLabel(parent);
-    edit_->setObjectName(box_->objectName());
-    box_->setObjectName(edit_->objectName() + QStringLiteral(".feld"));
-    box_->setFocusProxy(edit_);
-    edit_->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
-    edit_->setCalendarPopup(true);
-    edit_->setDateRange(kNoDay, QDate(9999, 12, 31));
-    edit_->setSpecialValueText(QStringLiteral(" "));
     auto* row = new QHBoxLayout(box_);
     row->setContentsMargins(0, 0, 0, 0);
     if (field.can_be_off) {
       on_ = new QCheckBox(box_);
-      on_->setObjectName(edit_->objectName() + QStringLiteral(".an"));
+      on_->setObjectName(box_->objectName() + QStringLiteral(".an"));
       row->addWidget(on_);
-      QObject::connect(on_, &QCheckBox::clicked, box_, [this] { Tell(); });
+      QObject::connect(on_, &QCheckBox::clicked, box_, [this](bool on) {
+        send_(toolkit::DaySet{field_.id(), on, field_.day});
+      });
     }
+    edit_ = new DayEdit(box_);
+    edit_->setObjectName(box_->objectName());
+    edit_->setPlaceholderText(QStringLiteral("TT.MM.JJJJ"));
+    edit_->setFixedWidth(edit_->fontMetrics().horizontalAdvance(QStringLiteral("00.00.0000")) * 3 / 2);
     row->addWidget(edit_);
+    AddCalendar(row);
     row->addStretch(1);
-    QObject::connect(edit_, &QDateEdit::dateChanged, box_, [this] { Tell(); });
+    box_->setObjectName(edit_->objectName() + QStringLiteral(".feld"));
+    box_->setFocusProxy(on_ != nullptr ? static_cast<QWidget*>(on_) : edit_);
+    AddLabel(parent);
+    // A year of fewer digits may still grow.
+    QObject::connect(edit_, &QLineEdit::textEdited, box_, [this](const QString& text) {
+      if (text.trimmed().section(QChar(u'.'), 2).size() == 4) Tell();
+    });
+    QObject::connect(edit_, &QLineEdit::editingFinished, box_, [this] { Tell(); });
+  }
+  std::vector<QWidget*> Stops() const override {
+    return on_ != nullptr ? std::vector<QWidget*>{on_, edit_, open_} : std::vector<QWidget*>{edit_, open_};
   }
 
  protected:
   void ShowContents() override {
-    const QSignalBlocker silent(edit_);
-    const QDate day(field_.day.year, field_.day.month, field_.day.day);
-    if (edit_->date() != (day.isValid() ? day : kNoDay)) edit_->setDate(day.isValid() ? day : kNoDay);
-    if (on_ != nullptr) on_->setChecked(field_.on);
-    edit_->setEnabled(field_.on);
+    // What is being typed stays until it is a day or left.
+    if (edit_->hasFocus() && edit_->isModified()) {
+      const std::optional<platform::CivilTime> typed = edit_->day();
+      if (!typed || SameDay(*typed, field_.day)) return;
+    }
+    ShowDay();
   }
 
  private:
-  /// Shown as blank: a day that the control does not have yet.
-  inline static const QDate kNoDay{1, 1, 1};
+  static bool SameDay(const platform::CivilTime& a, const platform::CivilTime& b) {
+    return a.year == b.year && a.month == b.month && a.day == b.day;
+  }
+
+  void ShowDay() {
+    const bool is_day = QDate::isValid(field_.day.year, field_.day.month, field_.day.day);
+    edit_->setText(is_day ? FromAnsi(DayText(field_.day)) : QString());
+    if (on_ != nullptr) on_->setChecked(field_.on);
+    edit_->setEnabled(field_.on);
+    open_->setEnabled(field_.on);
+  }
 
   void Tell() {
-    const QDate day = edit_->date();
-    const bool on = on_ == nullptr || on_->isChecked();
-    // Without a day of its own the field keeps what it has, so that the box can be ticked.
-    const platform::CivilTime told =
-        day == kNoDay ? field_.day : platform::CivilTime{day.year(), day.month(), day.day(), 0, 0, 0};
-    send_(toolkit::DaySet{field_.id(), on, told});
+    const std::optional<platform::CivilTime> typed = edit_->day();
+    if (typed && !SameDay(*typed, field_.day)) send_(toolkit::DaySet{field_.id(), true, *typed});
+    if (!edit_->hasFocus()) ShowDay();
+  }
+
+  void AddCalendar(QHBoxLayout* row) {
+    open_ = new QToolButton(box_);
+    open_->setObjectName(edit_->objectName() + QStringLiteral(".kalender"));
+    open_->setArrowType(Qt::DownArrow);
+    open_->setPopupMode(QToolButton::InstantPopup);
+    open_->setAccessibleName(QStringLiteral("Kalender"));
+    row->addWidget(open_);
+    auto* menu = new QMenu(open_);
+    auto* calendar = new QCalendarWidget(menu);
+    auto* action = new QWidgetAction(menu);
+    action->setDefaultWidget(calendar);
+    menu->addAction(action);
+    open_->setMenu(menu);
+    QObject::connect(menu, &QMenu::aboutToShow, calendar, [this, calendar] {
+      const QDate day(field_.day.year, field_.day.month, field_.day.day);
+      if (day.isValid()) calendar->setSelectedDate(day);
+      calendar->setFocus();
+    });
+    const auto take = [this, menu](const QDate& day) {
+      menu->close();
+      send_(toolkit::DaySet{field_.id(), true, {day.year(), day.month(), day.day(), 0, 0, 0}});
+      ShowDay();
+    };
+    QObject::connect(calendar, &QCalendarWidget::clicked, box_, take);
+    QObject::connect(calendar, &QCalendarWidget::activated, box_, take);
   }
 
   const toolkit::DateField& field_;
   Send send_;
   QWidget* box_;
-  QDateEdit* edit_;
+  DayEdit* edit_ = nullptr;
+  QToolButton* open_ = nullptr;
   QCheckBox* on_ = nullptr;
 };
 

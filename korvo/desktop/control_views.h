@@ -45,6 +45,9 @@ class ControlView {
   /// Whether it takes the width that its row has to spare.
   virtual bool IsWide() const { return true; }
 
+  /// Its widgets that the keyboard comes to, in order.
+  virtual std::vector<QWidget*> Stops() const { return {widget_}; }
+
   /// Brings the widgets up to what the control holds now.
   void Show(ShortcutLetters* letters);
 

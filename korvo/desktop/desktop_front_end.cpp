@@ -149,12 +149,12 @@ void DesktopFrontEnd::ShowDialogs() {
 }
 
 void DesktopFrontEnd::Run(toolkit::Dialog& dialog, toolkit::Window parent) {
-  ShowDialogs();
   DialogWindow* shown = nullptr;
   Waits::Wait wait(waits_, [&] {
     if (shown != nullptr) shown->reject();
     if (dialog.IsOpen()) waits_.StopLeaving();
   });
+  ShowDialogs();
   DialogWindow window(dialog, waits_, Below(parent), [&] { wait.Stop(); });
   shown = &window;
   windows_.push_back(&window);
@@ -170,9 +170,9 @@ void DesktopFrontEnd::Run(toolkit::Dialog& dialog, toolkit::Window parent) {
 
 int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, unsigned flags,
                              toolkit::Window parent) {
-  ShowDialogs();
   QMessageBox* shown = nullptr;
   Waits::Wait wait(waits_, [&] { shown->done(0); });
+  ShowDialogs();
   QMessageBox box(Below(parent));
   shown = &box;
   box.setWindowModality(Qt::ApplicationModal);
@@ -222,8 +222,8 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
 }
 
 bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) {
-  ShowDialogs();
   const UnderHandlers hosts(waits_.hosts_handlers());
+  ShowDialogs();
   QFileDialog picker(Below(pick.owner), AsLine(pick.title), LastFolder());
   picker.setOption(QFileDialog::DontUseNativeDialog);
   picker.setAcceptMode(pick.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -249,8 +249,8 @@ bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path,
 }
 
 bool DesktopFrontEnd::PickFolder(const std::string& title, toolkit::Window parent, std::string* path) {
-  ShowDialogs();
   const UnderHandlers hosts(waits_.hosts_handlers());
+  ShowDialogs();
   QFileDialog picker(Below(parent), AsLine(title), LastFolder());
   picker.setOption(QFileDialog::DontUseNativeDialog);
   picker.setOption(QFileDialog::ShowDirsOnly);

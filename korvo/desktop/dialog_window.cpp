@@ -184,8 +184,10 @@ void DialogWindow::AddButtons(QBoxLayout* row, std::size_t from) {
 void DialogWindow::SetTabOrder() {
   QWidget* before = nullptr;
   for (const auto& view : views_) {
-    if (before != nullptr) QWidget::setTabOrder(before, view->widget());
-    before = view->widget();
+    for (QWidget* stop : view->Stops()) {
+      if (before != nullptr) QWidget::setTabOrder(before, stop);
+      before = stop;
+    }
   }
 }
 

@@ -101,8 +101,11 @@ void Waits::AtEdge(const std::function<void()>& work) noexcept {
 
 void Waits::InPlugin(const std::function<void()>& work) noexcept {
   if (open_.empty()) return AtEdge(work);
-  const UnderHandlers plugins(open_.back()->hosts_handlers_.before());
+  UnderHandlers& wait = open_.back()->hosts_handlers_;
+  const UnderHandlers plugins(wait.before());
+  platform::SetLastSystemError(wait.error());
   AtEdge(work);
+  wait.set_error(platform::LastSystemError());
 }
 
 }  // namespace korvo

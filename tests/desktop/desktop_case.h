@@ -14,6 +14,7 @@
 
 #include "korvo/desktop/desktop_front_end.h"
 #include "korvo/desktop/dialog_window.h"
+#include "korvo/desktop/text.h"
 
 /// A main window that only keeps what it is told.
 class KeptShell : public korvo::Shell {
@@ -34,7 +35,8 @@ class KeptShell : public korvo::Shell {
 /// A dialog with the rules of a test.
 class PlayedDlg : public toolkit::Dialog {
  public:
-  explicit PlayedDlg(std::vector<toolkit::Control*> controls) : Dialog(9000, "Prüfen & <b>mehr</b>") {
+  explicit PlayedDlg(std::vector<toolkit::Control*> controls)
+      : Dialog(9000, korvo::ToAnsi(QStringLiteral("Prüfen & <b>mehr</b>"))) {
     for (toolkit::Control* control : controls) Add(control);
   }
   using Dialog::End;
@@ -46,7 +48,10 @@ class PlayedDlg : public toolkit::Dialog {
 
 class DesktopCase : public testing::Test {
  protected:
-  DesktopCase() { korvo::SetFrontEnd(&desktop); }
+  DesktopCase() {
+    korvo::SetFrontEnd(&desktop);
+    shell.window.show();
+  }
   ~DesktopCase() override {
     korvo::SetFrontEnd(nullptr);
     EXPECT_TRUE(person_.empty());
@@ -67,7 +72,9 @@ class DesktopCase : public testing::Test {
   void Soon() {
     QTimer::singleShot(1, [this] {
       QWidget* const front = QApplication::activeModalWidget();
-      if (front == nullptr || person_.empty()) return Soon();
+      // Nobody else gives the focus back to a window when the one above it closes.
+      if (front != nullptr) front->activateWindow();
+      if (front == nullptr || !front->isActiveWindow()) return Soon();
       const std::function<void(QWidget*)> act = std::move(person_.front());
       person_.pop_front();
       // The act may open a loop, in which the next one comes.

@@ -2,7 +2,6 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
-#include <QDateEdit>
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
@@ -13,6 +12,7 @@
 #include <variant>
 
 #include "korvo/desktop/text.h"
+#include "korvo/words/words.h"
 
 namespace pilot {
 
@@ -64,16 +64,60 @@ Answer Tick(QListView* list, int row, bool on) {
   return Answer::kTaken;
 }
 
-Answer SetDay(QWidget* window, QDateEdit* edit, const toolkit::DaySet& event) {
+Answer SetDay(QWidget* window, QLineEdit* edit, const toolkit::DaySet& event) {
   auto* box = window->findChild<QAbstractButton*>(edit->objectName() + QStringLiteral(".an"));
   if (box != nullptr && box->isChecked() != event.on) Press(box);
-  if (!event.on) return Answer::kTaken;
-  const QDate day(event.day.year, event.day.month, event.day.day);
-  if (!day.isValid()) return Answer::kNoSuchEntry;
-  edit->setFocus();
-  edit->setSelectedSection(QDateTimeEdit::DaySection);
-  QTest::keyClicks(edit, day.toString(QStringLiteral("ddMMyyyy")));
-  return Answer::kTaken;
+  return event.on ? Do(edit, korvo::DayText(event.day)) : Answer::kTaken;
+}
+
+template <class C>
+const C& As(const toolkit::Control& control) {
+  return static_cast<const C&>(control);
+}
+
+bool ShowsContents(const toolkit::Control& control, const QWidget& widget) {
+  const auto* const edit = qobject_cast<const QLineEdit*>(&widget);
+  const auto* const lines = qobject_cast<const QPlainTextEdit*>(&widget);
+  switch (control.kind()) {
+    case toolkit::Kind::kText: {
+      const std::string& text = As<toolkit::TextField>(control).text;
+      if (edit != nullptr) return edit->text() == korvo::FromAnsi(text);
+      return lines == nullptr || lines->toPlainText() == korvo::AsLines(text);
+    }
+    case toolkit::Kind::kDate:
+      return edit->text() == korvo::FromAnsi(korvo::DayText(As<toolkit::DateField>(control).day));
+    case toolkit::Kind::kTickBox:
+      return static_cast<const QAbstractButton&>(widget).isChecked() == As<toolkit::TickBox>(control).ticked;
+    case toolkit::Kind::kRadioGroup: {
+      const QList<QRadioButton*> options = widget.findChildren<QRadioButton*>();
+      for (int i = 0; i < options.size(); ++i) {
+        if (options[i]->isChecked() != (i == As<toolkit::RadioGroup>(control).chosen)) return false;
+      }
+      return true;
+    }
+    case toolkit::Kind::kChoice: {
+      const auto& list = As<toolkit::ChoiceList>(control);
+      const auto& box = static_cast<const QComboBox&>(widget);
+      const std::string label = list.selection() != nullptr ? list.selection()->label : "";
+      return box.currentIndex() == list.selected() && box.count() == static_cast<int>(list.entries().size()) &&
+             box.currentText() == korvo::AsLine(label);
+    }
+    case toolkit::Kind::kTickList: {
+      const QAbstractItemModel* const model = static_cast<const QListView&>(widget).model();
+      return model->rowCount() == static_cast<int>(As<toolkit::TickList>(control).rows().size());
+    }
+    case toolkit::Kind::kPages: {
+      const auto& captions = As<toolkit::Pages>(control).captions;
+      const auto& tabs = static_cast<const QTabWidget&>(widget);
+      for (std::size_t i = 0; i < captions.size(); ++i) {
+        if (tabs.tabText(static_cast<int>(i)) != korvo::AsCaption(captions[i])) return false;
+      }
+      return tabs.currentIndex() == As<toolkit::Pages>(control).current;
+    }
+    case toolkit::Kind::kButton:
+      return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -112,7 +156,7 @@ Answer Do(korvo::DialogWindow& window, const toolkit::Event& event) {
             Press(option);
             return Answer::kTaken;
           } else if constexpr (std::is_same_v<E, toolkit::DaySet>) {
-            if (auto* edit = qobject_cast<QDateEdit*>(widget)) return SetDay(&window, edit, e);
+            if (auto* edit = qobject_cast<QLineEdit*>(widget)) return SetDay(&window, edit, e);
           } else if constexpr (std::is_same_v<E, toolkit::EntrySelected>) {
             if (auto* box = qobject_cast<QComboBox*>(widget)) return Choose(box, e.position);
           } else if constexpr (std::is_same_v<E, toolkit::RowTicked>) {
@@ -137,44 +181,19 @@ Answer Do(korvo::DialogWindow& window, const toolkit::Event& event) {
 }
 
 std::string Difference(const korvo::DialogWindow& window) {
-  for (const toolkit::Control* control : window.dialog().controls()) {
+  const auto& controls = window.dialog().controls();
+  for (const toolkit::Control* control : controls) {
+    const std::string name = std::to_string(control->id());
     const QList<QWidget*> all = window.findChildren<QWidget*>(QString::number(control->id()));
-    const auto shown = std::count_if(all.begin(), all.end(), [](const QWidget* one) { return one->isVisible(); });
-    const auto& controls = window.dialog().controls();
+    const auto seen = std::count_if(all.begin(), all.end(), [](const QWidget* one) { return one->isVisible(); });
     const auto meant = std::count_if(controls.begin(), controls.end(), [&](const toolkit::Control* one) {
       return one->id() == control->id() && window.dialog().Shows(*one);
     });
-    const std::string name = std::to_string(control->id());
-    if (shown != meant) return name + ": sichtbar";
-    const QWidget* widget = window.dialog().Shows(*control) ? Find(window, control->id()) : nullptr;
-    if (widget == nullptr) continue;
+    if (seen != meant) return name + ": sichtbar";
+    if (!window.dialog().Shows(*control)) continue;
+    const QWidget* const widget = Find(window, control->id());
     if (widget->isEnabled() != control->enabled) return name + ": gesperrt";
-    const auto* text = static_cast<const toolkit::TextField*>(control);
-    const auto* edit = qobject_cast<const QLineEdit*>(widget);
-    if (edit != nullptr && edit->text() != korvo::FromAnsi(text->text)) return name + ": Text";
-    const auto* lines = qobject_cast<const QPlainTextEdit*>(widget);
-    if (lines != nullptr && lines->toPlainText() != korvo::AsLines(text->text)) return name + ": Zeilen";
-    const auto* check = qobject_cast<const QAbstractButton*>(widget);
-    if (check != nullptr && check->isCheckable() != (control->kind() == toolkit::Kind::kTickBox)) return name;
-    if (check != nullptr && check->isCheckable() &&
-        check->isChecked() != static_cast<const toolkit::TickBox*>(control)->ticked) {
-      return name + ": Haken";
-    }
-    const auto* box = qobject_cast<const QComboBox*>(widget);
-    const auto* list = static_cast<const toolkit::ChoiceList*>(control);
-    if (box != nullptr &&
-        (box->currentIndex() != list->selected() || box->count() != static_cast<int>(list->entries().size()) ||
-         box->currentText() != korvo::AsLine(list->selection() ? list->selection()->label : ""))) {
-      return name + ": Auswahl";
-    }
-    const auto* view = qobject_cast<const QListView*>(widget);
-    const auto* rows = static_cast<const toolkit::TickList*>(control);
-    if (view != nullptr && view->model()->rowCount() != static_cast<int>(rows->rows().size())) return name + ": Zeilen";
-    const auto* tabs = qobject_cast<const QTabWidget*>(widget);
-    const auto* pages = static_cast<const toolkit::Pages*>(control);
-    for (int i = 0; tabs != nullptr && i < static_cast<int>(pages->captions.size()); ++i) {
-      if (tabs->tabText(i) != korvo::AsCaption(pages->captions[static_cast<std::size_t>(i)])) return name + ": Seite";
-    }
+    if (!ShowsContents(*control, *widget)) return name + ": Inhalt";
   }
   return {};
 }
