@@ -2,69 +2,231 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <optional>
+#include <random>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "base/bounded.h"
+#include "store/object_types.h"
 #include "tests/support/temp_folder.h"
 
 namespace pktaus {
 namespace {
 
-constexpr char kEnd[] = "</wfs:member>\n";
+constexpr std::string_view kEnd = "</wfs:member>";
 
-std::string Object(const std::string& name, const std::string& id, const std::string& body) {
-  return "<wfs:member>\n<" + name + " gml:id=\"" + id + "\">\n" + body + "</" + name + ">\n" + kEnd;
-}
-std::string Owner(const std::string& id, const std::string& body = "") { return Object("AX_Grenzpunkt", id, body); }
-std::string PartOf(const std::string& id) { return "<istTeilVon xlink:href=\"urn:adv:oid:" + id + "\"/>\n"; }
-std::string Position(const std::string& id, const std::string& owner, const std::string& body = "",
-                     const std::string& name = "AX_PunktortTA") {
-  return Object(name, id, PartOf(owner) + body);
-}
+std::string PartOf(const std::string& id) { return "<istTeilVon xlink:href=\"urn:adv:oid:" + id + "\"/>"; }
+bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
 
-/// A record and an extract as one text.
-std::string Text(const PointRecord* record, const OriginalExtract* extract) {
+// ---- the search told plainly: line by line, a scan for each question ----
+
+/// Lines with their ends, CR LF being LF, in pieces of 1998 bytes.
+std::vector<std::string> Lines(const std::string& file) {
   std::string text;
-  if (record == nullptr) {
-    text = "null";
-  } else {
-    for (const std::int32_t number :
-         {record->aktion, record->po, record->oa, record->abm, record->bza, record->art, record->zst, record->kst,
-          record->dat, record->hin, record->her, record->gst, record->vtw, record->lzv})
-      text += std::to_string(number) + " ";
-    text += std::string(record->pkn) + " " + record->obgid + " " + record->gmlid + " " + record->wepo;
+  for (std::size_t i = 0; i < file.size(); ++i) {
+    if (file[i] != '\r' || file[i + 1] != '\n') text += file[i];
   }
-  if (extract != nullptr)
-    text += std::string(" [") + extract->pos_xml + "] " + extract->object_beginnt + " " + extract->punktort_beginnt;
-  return text;
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < text.size(); at += lines.back().size())
+    lines.push_back(text.substr(at, std::min(text.find('\n', at), at + 1997) + 1 - at));
+  return lines;
 }
 
-std::string Found(const std::string& path, const char* id) {
-  OriginalExtract extract;
-  std::memset(&extract, 'x', sizeof extract);
-  const auto record = SearchOriginalFile(path, id, &extract);
-  return Text(record.get(), &extract);
+/// What stands from `begin`, which is behind what it was found by, up to `end`.
+std::optional<std::string> From(std::size_t begin, const std::string& line, char end) {
+  const std::size_t last = begin == 0 ? std::string::npos : line.find(end, begin);
+  if (last == std::string::npos) return std::nullopt;
+  return line.substr(begin, last - begin);
+}
+std::optional<std::string> Element(const std::string& line) { return From(line.find('<') + 1, line, ' '); }
+
+std::size_t FindId(const std::vector<std::string>& lines, const std::string& id) {
+  if (id.empty() || id.size() > 90) return lines.size();
+  std::size_t at = 0;
+  while (at < lines.size() && !(Holds(lines[at], "gml:id=\"" + id + "\"") && Element(lines[at]))) ++at;
+  return at;
 }
 
-TEST(OriginalFile, GivesWhatTheTwoBlocksSay) {
-  const std::string owner_text =
-      "<beginnt>B1</beginnt>\n<punktkennung x=\"\">326505651000017</punktkennung>\n<stelle>0042</stelle>\n"
-      "<abmarkung_Marke>1110</abmarkung_Marke>\n";
-  const std::string point = "<gml:Point gml:id=\"P1\">\n<gml:pos>1 2</gml:pos>\n</gml:Point>\n";
-  const std::string values =
-      "<beginnt>B2</beginnt>\n" + point +
-      "<koordinatenstatus>1000</koordinatenstatus>\n<hinweise>7x</hinweise>\n<lagezuverlaessigkeit>true</x>\n"
-      "<AX_Datenerhebung_Punktort>4100</x>\n<genauigkeitsstufe>2100</x>\n";
-  const struct {
-    const char* name;
-    std::string file;
-    std::string found;
-  } kCases[] = {
-      {"everything", Owner("O", owner_text) + Position("P", "O", values),
-       "0 1 4 1110 -1 -1 42 1000 0 7 4100 2100 -1 -1 326505651000017 O P  [" + point + "] B1 B2"},
-  };
+/// Reads the values behind the tags, in their order, and the lines of the point. False where another object begins.
+bool ReadBlock(const std::vector<std::string>& lines, std::size_t at, std::string* point,
+               const std::vector<std::pair<std::string_view, std::string*>>& tags) {
+  bool in_point = false, more = at < lines.size();
+  if (!more) return false;
+  while (more && ++at < lines.size()) {
+    std::string line = lines[at];
+    const std::string_view front = std::string_view(line).substr(0, line.find(kEnd));
+    if (Holds(front, "<AX_") && Holds(front, "gml:id=\"")) return false;
+    if (!in_point && Holds(line, "<gml:Point")) {
+      point->clear();
+      in_point = true;
+    }
+    if (in_point) *point += line;
+    if (Holds(line, "</gml:Point>")) in_point = false;
+    for (const auto& [tag, text] : tags) {
+      if (text == nullptr || !Holds(line, tag)) continue;
+      const bool part = tag.starts_with("<istTeilVon");
+      const std::size_t begin = part ? line.find('<') + 36 : line.find('>') + 1;
+      if (const auto value = From(begin, line, part ? '"' : '<')) {
+        *text = *value;
+        line.resize(begin + value->size());
+      }
+    }
+    more = !Holds(line, kEnd);
+  }
+  return true;
+}
+
+std::string Further(const std::vector<std::string>& lines, const std::string& owner, const std::string& id) {
+  std::vector<std::pair<std::string, std::string>> rows(1);
+  for (const std::string& line : lines) {
+    if (Holds(line, "<AX_Punktort")) {
+      const std::string name = Element(line).value_or("");
+      const auto value = From(line.find('"', line.find('<') + 1 + name.size()) + 1, line, '"');
+      rows.back() = {value ? name : "", value.value_or("").substr(0, 80)};
+    }
+    if (owner.size() <= 60 && Holds(line, PartOf(owner))) rows.emplace_back();
+  }
+  rows.pop_back();  // no line behind it names the owner
+  std::string text, before;
+  for (const auto& [name, other] : rows) {
+    if (rows.size() < 2 || name.empty() || other == id) continue;
+    before = text;
+    text.append(name).append("|").append(other).append("|");
+  }
+  return (text.size() > 79 ? before : text).substr(0, 79);
+}
+
+/// `record` and `extract` of zero bytes become what the search gives. False where it gives no record.
+bool SearchPlainly(const std::vector<std::string>& lines, const std::string& id, bool with_extract, PointRecord* record,
+                   OriginalExtract* extract) {
+  std::string abm = "-1", zst = abm, kst = abm, hin = abm, her = abm, gst = abm, lzv = "none";
+  std::string owner, pkn, point, unused, position_begin, object_begin;
+  const std::size_t position = FindId(lines, id);
+  const bool read = ReadBlock(lines, position, &point,
+                              {{"beginnt", with_extract ? &position_begin : nullptr},
+                               {"<istTeilVon xlink:href=\"urn:adv:oid:", &owner},
+                               {"<genauigkeitsstufe>", &gst},
+                               {"<hinweise>", &hin},
+                               {"<koordinatenstatus>", &kst},
+                               {"<AX_Datenerhebung_Punktort>", &her},
+                               {"<lagezuverlaessigkeit>", &lzv}});
+  const std::size_t object = read ? FindId(lines, owner) : lines.size();
+  const bool found = ReadBlock(lines, object, &unused,
+                               {{"beginnt", with_extract ? &object_begin : nullptr},
+                                {"<punktkennung", &pkn},
+                                {"<abmarkung_Marke>", &abm},
+                                {"<vermarkung_Marke>", &abm},
+                                {"<stelle>", &zst}});
+  put(extract->pos_xml, point.c_str());
+  put(extract->punktort_beginnt, position_begin.c_str());
+  put(extract->object_beginnt, object_begin.c_str());
+  if (!found) return false;
+  for (const auto& [field, text] : {std::pair{&record->abm, abm},
+                                    {&record->zst, zst},
+                                    {&record->kst, kst},
+                                    {&record->hin, hin},
+                                    {&record->her, her},
+                                    {&record->gst, gst}})
+    *field = std::atoi(text.c_str());
+  record->bza = record->art = record->vtw = -1;
+  record->lzv = lzv == "none" ? -2 : lzv == "true" ? -1 : 0;
+  record->oa = FindObjectTypeRow(*Element(lines[object]));
+  for (const auto& [kind, po] : {std::pair{"PunktortTA", 1}, {"PunktortAU", 2}, {"PunktortAG", 3}}) {
+    if (Holds(*Element(lines[position]), kind)) record->po = po;
+  }
+  put(record->pkn, pkn.c_str());
+  put(record->obgid, owner.c_str());
+  put(record->gmlid, id.c_str());
+  put(record->wepo, Further(lines, owner, id).c_str());
+  return true;
+}
+
+// ---- the two searches beside it ----
+
+/// Long ones meet the limits of search texts and of `wepo`. The first five are many, so that objects belong together.
+const std::string kC(38, 'c'), kD(60, 'd'), kE(61, 'e'), kF(90, 'f'), kG(91, 'g');
+const std::string kIds[] = {"A", "B", "AB", kC, kE, "P1", "P\"1", "", kD, kF, kG};
+
+/// A file of blocks that fit each other more or less.
+std::string RandomFile(unsigned seed) {
+  std::mt19937 random(seed);
+  const auto below = [&](std::size_t end) { return random() % end; };
+  const auto one_of = [&](const std::vector<std::string>& texts) { return texts[below(texts.size())]; };
+  const std::size_t odd = below(2) == 0 ? 200 : 15;  // one line of that many is odd
+  const std::string line_end = one_of({"\n", "\r\n"}), end(kEnd);
+  std::string file;
+  bool open = false;
+  for (std::size_t lines = below(70); lines > 0; --lines) {
+    const std::string id = kIds[below(below(8) == 0 ? std::size(kIds) : 5)];
+    const std::string value = ">" + std::to_string(below(3000)) + "</";
+    const std::string name =
+        one_of({"AX_Grenzpunkt", "AX_Haus", "AX_PunktortTA", "AX_PunktortAU_PunktortTA", "AX_PunktortAG_PunktortAU"});
+    const std::string start = "<" + name + " gml:id=\"" + id + "\">";
+    const std::string inner =
+        one_of({"<beginnt" + value, "<genauigkeitsstufe" + value, "<hinweise" + value, "<koordinatenstatus" + value,
+                "<AX_Datenerhebung_Punktort" + value, "<lagezuverlaessigkeit>true</", "<lagezuverlaessigkeit" + value,
+                "<punktkennung x=\"\"" + value, "<abmarkung_Marke" + value, "<vermarkung_Marke" + value,
+                "<stelle" + value, "<gml:Point gml:id=\"" + id + "\">", "<gml:pos" + value, "</gml:Point>"});
+    std::string line = !open ? start : one_of({inner, inner, PartOf(id), PartOf(id), end});
+    if (below(odd) == 0)
+      line = one_of({start, "<" + name + "\t" + start.substr(name.size() + 2), start.substr(0, start.size() - 2),
+                     "<" + name + " x=\"A\"" + start.substr(name.size() + 1), "</a> " + start, start + PartOf("A"),
+                     line + PartOf("B"), inner.substr(0, inner.size() - 2), line + inner, "<beginnt" + value + inner,
+                     inner.substr(below(inner.size())), line.substr(0, 38), line + end, end + line, "<AX_Punktort",
+                     inner.substr(0, 8) + " x" + inner.substr(8), "<gml:Point></gml:Point>", "<stelle x" + value});
+    open = line == end ? false : open || Holds(line, "<AX_");
+    // The line's end comes to lie about a cut, or about the end of what is read at once.
+    if (below(odd * 2) == 0) file.append(1998 * (1 + below(2)) - below(line.size() + 3), ' ');
+    if (below(odd * 5) == 0) file.append((1 << 13) - (file.size() + below(60)) % (1 << 13), ' ');
+    file += line + (below(odd) == 0 ? one_of({"", "\r", "\n"}) : line_end);
+  }
+  return file;
+}
+
+TEST(OriginalFile, FindsWhatAPlainSearchFinds) {
   const support::TempFolder folder;
-  for (const auto& row : kCases) EXPECT_EQ(Found(folder.Write("o.xml", row.file), "P"), row.found) << row.name;
+  const std::string path = folder.File("o.xml");
+  OriginalFile original(path);
+  EXPECT_EQ(original.Search("A", nullptr), nullptr);
+  std::string file;
+  int found = 0, further = 0;
+  for (unsigned seed = 0; seed < 600; ++seed) {
+    // The file changes its size or its time, seldom both.
+    const std::size_t size = file.size();
+    file = RandomFile(seed);
+    if (seed % 2 == 0 && file.size() < size) file.resize(size, '\n');
+    folder.Write("o.xml", file);
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type(std::chrono::milliseconds(seed / 2)));
+    const std::vector<std::string> lines = Lines(file);
+    for (const std::string& id : kIds) {
+      const bool with_extract = (seed + id.size()) % 2 == 0;
+      PointRecord wanted{};
+      OriginalExtract wanted_extract{}, extracts[2];
+      std::memset(extracts, 'x', sizeof extracts);
+      const bool is_there = SearchPlainly(lines, id, with_extract, &wanted, &wanted_extract);
+      found += is_there;
+      further += wanted.wepo[0] != '\0';
+      const std::unique_ptr<PointRecord> records[] = {
+          SearchOriginalFile(path, id.c_str(), with_extract ? &extracts[0] : nullptr),
+          original.Search(id.c_str(), with_extract ? &extracts[1] : nullptr)};
+      for (const int n : {0, 1}) {
+        const bool same = (records[n] != nullptr) == is_there &&
+                          (!is_there || std::memcmp(records[n].get(), &wanted, sizeof wanted) == 0) &&
+                          (!with_extract || std::memcmp(&extracts[n], &wanted_extract, sizeof wanted_extract) == 0);
+        ASSERT_TRUE(same) << (n == 0 ? "alone: " : "one of many: ") << id << " in file " << seed << "\n" << file;
+      }
+    }
+  }
+  EXPECT_GT(found, 400);
+  EXPECT_GT(further, 200);
 }
 
 }  // namespace
