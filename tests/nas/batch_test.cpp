@@ -63,71 +63,42 @@ TEST_F(Batch, WritesTwoMembersForEachPointWithBothCoordinates) {
   EXPECT_EQ(points[2].objid, "DE_0000000000003");
 }
 
-TEST_F(Batch, AppendsBehindTheMembersOfTheTemplate) {
-  BatchPoint point = Point("1", "632145.123", "5651234.000");
-  const std::string path = folder_.Write("t.xml",
-                                         "<a:r><a:antragsnummer>x</a:antragsnummer><a:auftragsnummer/>"
-                                         "<geaenderteObjekte><Transaction><first/><second/></Transaction>"
-                                         "</geaenderteObjekte></a:r>");
-  EXPECT_EQ(Write(&point, path), "Erfolgreich: 1 Punkte ausgegeben");
-  const std::string output = support::BytesOf(out_);
-  EXPECT_LT(output.find("<second></second>"), output.find("<wfs:Insert>"));
-  EXPECT_NE(output.find("<a:auftragsnummer>4711</a:auftragsnummer>"), std::string::npos);
-}
-
 TEST_F(Batch, SaysWhatIsMissingAndLeavesTheOldFile) {
-  const std::string kNumbers = "<antragsnummer/><auftragsnummer/>";
-  const std::string kObjects = "<geaenderteObjekte><wfs:Transaction/></geaenderteObjekte>";
-  const std::string path = folder_.File("t.xml");
-  const std::string kNothing = "Fehler: keine passenden Daten gefunden";
-  const std::string kIncomplete = "Fehler: Vorlage '" + path + "' ist unvollständig"_ansi;
-  const struct {
-    std::string bytes;  // of the template; no template where empty
-    bool has_points;
-    std::string message;
-  } kTemplates[] = {
-      {"", false, "Fehler: Datei '" + path + "' wurde nicht gefunden"},
-      {"<r>" + kNumbers + kObjects + "</r>", false, kNothing},
-      {"<r>" + kNumbers + "</r>", true, kNothing},
-      {"<r>" + kNumbers + "<geaenderteObjekte/></r>", true, kNothing},
-      {"<r>" + kNumbers + "<x>" + kObjects + "</x></r>", true, kNothing},
-      {"<r><auftragsnummer/>" + kObjects + "</r>", true, kIncomplete},
-      {"<r><antragsnummer/></r>", false, kIncomplete},
-      {"<r><x>" + kNumbers + "</x>" + kObjects + "</r>", true, kIncomplete},
-      {"no tree at all", true, kIncomplete},
+  const std::string numbers = "<antragsnummer/><auftragsnummer/>";
+  const std::string objects = "<geaenderteObjekte><wfs:Transaction/></geaenderteObjekte>";
+  const std::string path = folder_.File("t.xml"), nothing = "Fehler: keine passenden Daten gefunden";
+  const std::string incomplete = "Fehler: Vorlage '" + path + "' ist unvollständig"_ansi;
+  const std::pair<std::string, std::string> kTemplates[] = {
+      {"", "Fehler: Datei '" + path + "' wurde nicht gefunden"},
+      {"<r>" + numbers + "<geaenderteObjekte/></r>", nothing},
+      {"<r>" + numbers + "<x>" + objects + "</x></r>", nothing},
+      {"<r><auftragsnummer/>" + objects + "</r>", incomplete},
+      {"<r><x>" + numbers + "</x>" + objects + "</r>", incomplete},
   };
   folder_.Write("out.xml", "old");
-  for (const auto& one : kTemplates) {
-    if (!one.bytes.empty()) folder_.Write("t.xml", one.bytes);
+  for (const auto& [bytes, message] : kTemplates) {
+    if (!bytes.empty()) folder_.Write("t.xml", bytes);
     BatchPoint point = Point("1", "632145.123", "5651234.000");
-    EXPECT_EQ(Write(one.has_points ? &point : nullptr, path), one.message) << one.bytes;
-    EXPECT_EQ(support::BytesOf(out_), "old") << one.bytes;
+    EXPECT_EQ(Write(&point, path), message) << bytes;
+    EXPECT_EQ(support::BytesOf(out_), "old") << bytes;
   }
 }
 
-TEST(Identifiers, CountInBase36FilledToSixteenCharacters) {
-  const std::pair<std::int32_t, const char*> kCounts[] = {
-      {35, "DE_000000000000Z"}, {36, "DE_0000000000010"}, {2147483646, "DE_0000000ZIK0ZI"}};
+TEST(Identifiers, CountInBase36FilledToSixteenCharactersAndDaysAreLocal) {
+  const std::pair<std::int32_t, const char*> kCounts[] = {{35, "DE_000000000000Z"}, {2147483646, "DE_0000000ZIK0ZI"}};
   for (const auto& [count, id] : kCounts) {
     id_counter = count;
     EXPECT_EQ(NewObjectId(), id);
     EXPECT_EQ(id_counter, count + 1);
   }
-}
-
-TEST(Times, AreLocal) {
   const support::ClockAt clock("2016-03-02T09:05:03");
   EXPECT_EQ(DayText(1456874400), "2016-03-02") << "23:20 UTC is past midnight in Berlin";
 }
 
 TEST(Coordinates, LoseTheZoneOfTheEastAlone) {
-  const std::pair<std::string, std::string> kEasts[] = {{"32632145.123", "632145.123"},
-                                                        {"632145.123", "632145.123"},
-                                                        {"32632145,123", "632145.123"},
-                                                        {"1,234,5", "1.234,5"},
-                                                        {"32145.123", "32145.123"},
-                                                        {"32632145", "32632145"},
-                                                        {"-1.000", "-1.000"}};
+  const std::pair<std::string, std::string> kEasts[] = {{"32632145,123", "632145.123"}, {"632145.123", "632145.123"},
+                                                        {"32632145", "32632145"},       {"1,234,5", "1.234,5"},
+                                                        {"32145.123", "32145.123"},     {"-1.000", "-1.000"}};
   for (const auto& [east, written] : kEasts) {
     std::string east_text = east, north = "55651234,567,8";
     EXPECT_EQ(CoordinateText(&east_text, &north), written + " 55651234.567,8");
