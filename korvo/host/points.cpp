@@ -26,13 +26,25 @@ std::string_view TrimLeft(std::string_view text) {
 
 std::int32_t PointRecords() { return TheHost().points.table.count(); }
 
+const std::vector<Column>& PointTableColumns() {
+  static const std::vector<Column> none;
+  const Table& table = TheHost().points.table;
+  return table.IsOpen() ? table.columns() : none;
+}
+
+bool ReadPointBytes(std::int32_t number, std::string_view* record) {
+  Host& host = TheHost();
+  Table& table = host.points.table;
+  return table.Read(number, record) == Table::Got::kRead &&
+         TrimRight(table.Field(*record, host.pt_no)).size() < sizeof HostPoint::pt_no;
+}
+
 bool ReadPoint(std::int32_t number, HostPoint* point) {
   Host& host = TheHost();
   Table& table = host.points.table;
   std::string_view record;
-  if (table.Read(number, &record) != Table::Got::kRead) return false;
+  if (!ReadPointBytes(number, &record)) return false;
   const std::string_view pt_no = TrimRight(table.Field(record, host.pt_no));
-  if (pt_no.size() >= sizeof point->pt_no) return false;
   *point = HostPoint{};
   pt_no.copy(point->pt_no, pt_no.size());
   point->east = ParseNumber(table.Field(record, host.east));

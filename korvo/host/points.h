@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "korvo/dbase/table.h"
+
 struct HostPoint;
 
 namespace korvo {
@@ -18,6 +20,12 @@ std::int32_t PointRecords();
 /// cannot be read and one whose point number has more characters than the host's record holds: cut, it would be
 /// another point's number.
 bool ReadPoint(std::int32_t number, HostPoint* point);
+
+/// Columns of the open point table; empty where none is open.
+const std::vector<Column>& PointTableColumns();
+
+/// Bytes of a record, flag of deletion first, valid until the next read. False for what ReadPoint refuses.
+bool ReadPointBytes(std::int32_t number, std::string_view* record);
 
 /// Record number of the first point of this number, blanks in front left aside where nothing fits exactly; 0 for none.
 std::int32_t FindPoint(std::string_view point_number, HostPoint* point);
