@@ -1,0 +1,237 @@
+#include "korvo/desktop/nas_file.h"
+
+#include <QFile>
+#include <QHash>
+#include <QRegularExpression>
+#include <QStringDecoder>
+#include <QXmlStreamReader>
+#include <algorithm>
+
+#include "korvo/desktop/text.h"
+
+namespace korvo {
+
+namespace {
+
+constexpr qsizetype kChunk = 1024 * 1024;
+
+QString WithoutPrefix(QStringView name) { return name.mid(name.indexOf(QLatin1Char(':')) + 1).toString(); }
+
+/// "ABC20160302T090503Z" is the object ABC and the moment at which it came to be.
+QString WithoutMoment(const QString& key) {
+  static const QRegularExpression moment(QStringLiteral("\\d{8}T\\d{6}Z$"));
+  return QString(key).remove(moment);
+}
+
+}  // namespace
+
+QString NameOf(NasKind kind) {
+  switch (kind) {
+    case NasKind::kReplace:
+      return QStringLiteral("Ersetzen");
+    case NasKind::kDelete:
+      return QStringLiteral("Löschen");
+    case NasKind::kInsert:
+      break;
+  }
+  return QStringLiteral("Einfügen");
+}
+
+/// Reads piece by piece, and keeps count of the bytes behind the characters that the toolkit's reader counts.
+class NasFile::Parser {
+ public:
+  explicit Parser(NasFile& file) : file_(file) { reader_.setNamespaceProcessing(false); }
+
+  /// False where the bytes are no UTF-8 after all.
+  bool Run() {
+    if (file_.bytes_.startsWith("\xEF\xBB\xBF")) read_ = at_byte_ = 3;
+    while (true) {
+      if (reader_.readNext() != QXmlStreamReader::Invalid) {
+        if (reader_.tokenType() == QXmlStreamReader::EndDocument) return true;
+        See();
+        MoveTo(reader_.characterOffset());
+        if (reader_.tokenType() == QXmlStreamReader::EndElement) Leave();
+      } else if (reader_.error() == QXmlStreamReader::PrematureEndOfDocumentError && read_ < file_.bytes_.size()) {
+        if (!Feed()) return false;
+      } else {
+        file_.trouble_ = QStringLiteral("Ab Zeile %1 ist die Datei kein XML mehr: %2")
+                             .arg(reader_.lineNumber())
+                             .arg(reader_.errorString());
+        return true;
+      }
+    }
+  }
+
+ private:
+  bool Feed() {
+    const qsizetype size = std::min(kChunk, file_.bytes_.size() - read_);
+    const QByteArrayView piece(file_.bytes_.constData() + read_, size);
+    read_ += size;
+    if (!file_.utf8_) {
+      reader_.addData(FromAnsi({piece.data(), static_cast<std::size_t>(piece.size())}));
+      return true;
+    }
+    const QString text = decoder_.decode(piece);
+    reader_.addData(text);
+    return !decoder_.hasError();
+  }
+
+  /// The byte behind the token that was read last.
+  void MoveTo(qint64 character) {
+    if (!file_.utf8_) {
+      at_byte_ += character - at_character_;
+      at_character_ = character;
+      return;
+    }
+    const auto* bytes = reinterpret_cast<const unsigned char*>(file_.bytes_.constData());
+    const qsizetype size = file_.bytes_.size();
+    while (at_character_ < character && at_byte_ < size) {
+      at_character_ += bytes[at_byte_] >= 0xF0 ? 2 : 1;
+      do {
+        ++at_byte_;
+      } while (at_byte_ < size && (bytes[at_byte_] & 0xC0U) == 0x80U);
+    }
+  }
+
+  void See() {
+    if (reader_.isStartElement()) {
+      Enter();
+    } else if (reader_.isCharacters() && reading_key_) {
+      member_.point_key += reader_.text();
+    }
+  }
+
+  void Enter() {
+    ++depth_;
+    const QString name = WithoutPrefix(reader_.qualifiedName());
+    if (member_depth_ == 0) {
+      const bool insert = name == QLatin1String("Insert");
+      if (!insert && name != QLatin1String("Replace") && name != QLatin1String("Delete")) return;
+      member_ = {};
+      member_.kind = insert                              ? NasKind::kInsert
+                     : name == QLatin1String("Replace") ? NasKind::kReplace
+                                                         : NasKind::kDelete;
+      member_.begin = at_byte_;
+      member_depth_ = depth_;
+      type_ = WithoutPrefix(reader_.attributes().value(QStringLiteral("typeName")));
+      return;
+    }
+    const QXmlStreamAttributes attributes = reader_.attributes();
+    const bool is_object = depth_ == member_depth_ + 1 && name != QLatin1String("Filter");
+    if (is_object && type_.isEmpty()) {
+      type_ = name;
+      member_.id = attributes.value(QStringLiteral("gml:id")).toString();
+    } else if (depth_ == member_depth_ + 2 && name == QLatin1String("istTeilVon")) {
+      const QStringView reference = attributes.value(QStringLiteral("xlink:href"));
+      member_.owner = reference.mid(reference.lastIndexOf(QLatin1Char(':')) + 1).toString();
+    } else if (depth_ == member_depth_ + 2 && name == QLatin1String("punktkennung")) {
+      reading_key_ = true;
+    } else if (name == QLatin1String("ResourceId") && member_.id.isEmpty()) {
+      member_.id = WithoutMoment(attributes.value(QStringLiteral("rid")).toString());
+    }
+  }
+
+  void Leave() {
+    reading_key_ = false;
+    if (depth_ == member_depth_) {
+      member_.type = TypeNumber();
+      member_.size = at_byte_ - member_.begin;
+      file_.members_.push_back(member_);
+      member_depth_ = 0;
+    }
+    --depth_;
+  }
+
+  int TypeNumber() {
+    std::vector<QString>& types = file_.types_;
+    const auto found = std::find(types.begin(), types.end(), type_);
+    const auto number = static_cast<int>(found - types.begin());
+    if (found == types.end()) types.push_back(type_);
+    return number;
+  }
+
+  NasFile& file_;
+  QXmlStreamReader reader_;
+  QStringDecoder decoder_{QStringDecoder::Utf8};
+  qsizetype read_ = 0;
+  qint64 at_character_ = 0;
+  qsizetype at_byte_ = 0;
+
+  int depth_ = 0;
+  int member_depth_ = 0;  ///< 0 outside of members
+  NasMember member_;
+  QString type_;
+  bool reading_key_ = false;
+};
+
+bool NasFile::Read(const QString& path, QString* why) {
+  *this = NasFile();
+  path_ = path;
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) {
+    *why = file.errorString();
+    return false;
+  }
+  bytes_ = file.readAll();
+  if (file.error() != QFileDevice::NoError) {
+    *why = file.errorString();
+    return false;
+  }
+  if (Parser(*this).Run()) return true;
+  utf8_ = false;
+  members_.clear();
+  types_.clear();
+  trouble_.clear();
+  return Parser(*this).Run();
+}
+
+QString NasFile::Decode(qsizetype begin, qsizetype size) const {
+  const std::string_view bytes(bytes_.constData() + begin, static_cast<std::size_t>(size));
+  return utf8_ ? QString::fromUtf8(bytes.data(), size) : FromAnsi(bytes);
+}
+
+QString NasFile::TextOf(const NasMember& member) const {
+  // The lines of the file are indented as deep as the member stands; as a text of its own it begins at the margin.
+  qsizetype line = member.begin;
+  while (line > 0 && (bytes_[line - 1] == '\t' || bytes_[line - 1] == ' ')) --line;
+  const QString margin = QLatin1Char('\n') + QString::fromLatin1(bytes_.mid(line, member.begin - line));
+  return Decode(member.begin, member.size)
+      .replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+      .replace(margin, QStringLiteral("\n"))
+      .replace(QLatin1Char('\t'), QStringLiteral("  "));
+}
+
+std::vector<int> PointsOf(const NasFile& file, const PointSet& points) {
+  const auto index = [&points](int column) {
+    QHash<QString, int> found;
+    if (column < 0) return found;
+    for (int i = points.count() - 1; i >= 0; --i) {
+      const QString value = FromAnsi(points.Field(i, column)).trimmed();
+      if (!value.isEmpty()) found.insert(value, i);
+    }
+    return found;
+  };
+  const QHash<QString, int> by_key = index(points.FindColumn("NE_PKN"));
+  const QHash<QString, int> by_object = index(points.FindColumn("NE_OBGID"));
+  const QHash<QString, int> by_position = index(points.FindColumn("GMLID"));
+  const QHash<QString, int> by_number = index(points.number_column());
+
+  std::vector<int> found(file.members().size(), -1);
+  QHash<QString, int> by_owner;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const NasMember& member = file.members()[i];
+    const QString key = member.point_key.trimmed();
+    for (const auto& [map, value] : {std::pair(&by_key, key), std::pair(&by_object, member.id),
+                                     std::pair(&by_position, member.id), std::pair(&by_number, key)}) {
+      if (found[i] < 0 && !value.isEmpty()) found[i] = map->value(value, -1);
+    }
+    if (found[i] >= 0 && !member.id.isEmpty()) by_owner.insert(member.id, found[i]);
+  }
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const NasMember& member = file.members()[i];
+    if (found[i] < 0 && !member.owner.isEmpty()) found[i] = by_owner.value(member.owner, by_object.value(member.owner, -1));
+  }
+  return found;
+}
+
+}  // namespace korvo
