@@ -1,21 +1,16 @@
 // korvo-console: opens a project and lets a person, or a script, work with it line by line.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 
-#include "base/path.h"
 #include "base/text.h"
 #include "korvo/console/console.h"
 #include "korvo/console/dialog_commands.h"
 #include "korvo/console/terminal.h"
 #include "korvo/host/project.h"
-#include "platform/system.h"
+#include "korvo/words/options.h"
 
 namespace {
 
@@ -56,49 +51,23 @@ int Fail(const std::string& utf8) {
 
 /// What is wrong with the arguments; empty for nothing.
 std::string Parse(int count, char** arguments, Options* options) {
-  for (int i = 1; i < count; ++i) {
-    const std::string_view argument = arguments[i];
-    std::string* value = argument == "--plugin"   ? &options->plugin
-                         : argument == "--clock"  ? &options->clock
-                         : argument == "--zone"   ? &options->zone
-                         : argument == "--script" ? &options->script
-                                                  : nullptr;
-    if (argument == "--help") {
-      options->help = true;
-    } else if (value != nullptr) {
-      if (++i == count) return "Hinter " + std::string(argument) + " fehlt der Wert.";
-      *value = arguments[i];
-    } else if (argument.starts_with("--")) {
-      return "Unbekannte Option " + std::string(argument) + "; --help zeigt alle.";
-    } else if (!options->project.empty()) {
-      return "Es kann nur ein Projekt offen sein: " + std::string(argument);
-    } else {
-      options->project = argument;
-    }
-  }
-  if (options->help) return {};
+  const std::string wrong = korvo::ReadCommandLine(count, arguments,
+                                                   {{{"--plugin", &options->plugin},
+                                                     {"--clock", &options->clock},
+                                                     {"--zone", &options->zone},
+                                                     {"--script", &options->script}},
+                                                    {{"--help", &options->help}},
+                                                    &options->project});
+  if (!wrong.empty() || options->help) return wrong;
   if (options->project.empty()) return "Es fehlt das Projekt; --help zeigt die Hilfe.";
   if (options->clock.empty() && !options->zone.empty()) return "--zone geht nur zusammen mit --clock.";
   return {};
 }
 
-/// Fills the places of standard streams that the caller has closed, so that no table is opened there and gets what is
-/// said written into it. What fills them gives nothing and takes nothing.
-bool HoldStandardStreams() {
-  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
-    if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDONLY) != stream) return false;
-  }
-  return true;
-}
-
-std::string PluginBesideProgram() {
-  return path::ToDisk(path::Join(path::Folder(platform::OwnLibraryPath()), "libpkt_aus.so"));
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (!HoldStandardStreams()) return kExitNotStarted;
+  if (!korvo::HoldStandardStreams()) return kExitNotStarted;
   Options options;
   const std::string wrong = Parse(count, arguments, &options);
   if (!wrong.empty()) return Fail(wrong);
@@ -125,7 +94,7 @@ int main(int count, char** arguments) {
   const korvo::OpenedProject opened = korvo::OpenProject(options.project);
   if (!opened.open) return Fail(text::ToUtf8(opened.refusal));
   if (!opened.note.empty()) terminal.SayLines(opened.note, "! ");
-  console.RunTopLevel(options.plugin.empty() ? PluginBesideProgram() : options.plugin);
+  console.RunTopLevel(options.plugin.empty() ? korvo::PluginBesideProgram() : options.plugin);
   korvo::CloseProject();
   korvo::SetFrontEnd(nullptr);
   return std::fflush(stdout) == 0 ? 0 : Fail("Die Ausgabe ließ sich nicht schreiben.");

@@ -99,6 +99,14 @@ void MapView::CentreOn(int point) {
   Redraw();
 }
 
+void MapView::BringIntoView(int point) {
+  if (point < 0 || !points_.HasPlace(point)) return;
+  const QPointF at = PlaceOf(point);
+  const QRectF inner = QRectF(rect()).adjusted(kPickRadius, kPickRadius, -kPickRadius, -kPickRadius);
+  if (inner.contains(at)) return;
+  Pan({std::clamp(at.x(), inner.left(), inner.right()) - at.x(), std::clamp(at.y(), inner.top(), inner.bottom()) - at.y()});
+}
+
 void MapView::Zoom(double factor, QPointF around) {
   const double east = camera_.EastAt(around.x());
   const double north = camera_.NorthAt(around.y());
@@ -202,7 +210,7 @@ void MapView::mouseReleaseEvent(QMouseEvent* event) {
   if (click) Q_EMIT Clicked(PointAt(event->position()), event->modifiers().testFlag(Qt::ControlModifier));
 }
 
-void MapView::mouseDoubleClickEvent(QMouseEvent* event) { Q_EMIT DoubleClicked(PointAt(event->position())); }
+void MapView::mouseDoubleClickEvent(QMouseEvent* event) { Zoom(2, event->position()); }
 
 void MapView::wheelEvent(QWheelEvent* event) {
   Zoom(std::pow(kStep, event->angleDelta().y() / kWheelNotch), event->position());

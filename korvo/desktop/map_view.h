@@ -28,6 +28,8 @@ class MapView : public QWidget {
   void ShowPoints(const std::vector<int>& points);
   /// Keeps the scale, but for one at which the point could not be told from others.
   void CentreOn(int point);
+  /// Moves no further than the point needs to be seen.
+  void BringIntoView(int point);
   /// Zooms around a place of the widget.
   void Zoom(double factor, QPointF around);
   /// The points were read anew, or `point` alone. What was shown of them is let go in the first case.
@@ -49,7 +51,6 @@ class MapView : public QWidget {
  Q_SIGNALS:
   /// -1 where no point is near. `add`: to what is selected already.
   void Clicked(int point, bool add);
-  void DoubleClicked(int point);
   void CursorAt(double east, double north);
   void CursorLeft();
 

@@ -116,15 +116,20 @@ std::string_view PointSet::Field(int point, int column) const {
 
 int PointSet::Find(std::string_view number) const {
   int without_blanks = -1;
-  int ending = -1;
-  const std::string_view sought = TrimLeft(number);
   for (int i = 0; i < count(); ++i) {
     const std::string_view present = Number(i);
     if (present == number) return i;
-    if (without_blanks < 0 && TrimLeft(present) == sought) without_blanks = i;
-    if (ending < 0 && !sought.empty() && present.ends_with(sought)) ending = i;
+    if (without_blanks < 0 && TrimLeft(present) == TrimLeft(number)) without_blanks = i;
   }
-  return without_blanks >= 0 ? without_blanks : ending;
+  return without_blanks;
+}
+
+int PointSet::FindPart(std::string_view part, int after) const {
+  for (int i = 1; i <= count() && !part.empty(); ++i) {
+    const int point = (std::max(after, -1) + i) % count();
+    if (Number(point).find(part) != std::string_view::npos) return point;
+  }
+  return -1;
 }
 
 void PointSet::BuildGrid() {

@@ -46,9 +46,10 @@ class PointSet {
   int number_column() const { return number_; }
   /// Bytes of all columns, one behind the other.
   std::string_view Bytes(int point) const;
-  /// Point of a number, blanks in front left aside where nothing fits exactly; else the first one whose number ends in
-  /// it; -1 for none.
+  /// First point of a number, blanks in front left aside where nothing fits exactly; -1 for none.
   int Find(std::string_view number) const;
+  /// First point behind `after` whose number has these letters and digits in it, beginning again at the end; -1 for none.
+  int FindPart(std::string_view part, int after) const;
 
   PointState State(int point) const { return states_[static_cast<std::size_t>(point)]; }
   int CountOf(PointState state) const { return counts_[static_cast<std::size_t>(state)]; }
