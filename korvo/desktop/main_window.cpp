@@ -67,7 +67,11 @@ MainWindow::MainWindow(Waits& waits, std::string library) : waits_(waits), libra
   splitter_->restoreState(remembered.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+  // What shows the points goes before them.
+  delete nas_;
+  delete takeCentralWidget();
+}
 
 // What is in the window
 
@@ -183,6 +187,7 @@ QWidget* MainWindow::BuildTableSide() {
   table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   table_->setSortingEnabled(true);
   table_->horizontalHeader()->setSortIndicatorClearable(true);
+  table_->horizontalHeader()->setSectionsMovable(true);
   table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
@@ -602,6 +607,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   remembered.setValue(QStringLiteral("window/geometry"), saveGeometry());
   remembered.setValue(QStringLiteral("window/splitter"), splitter_->saveState());
   event->accept();
+  Q_EMIT Closed();
 }
 
 // Points

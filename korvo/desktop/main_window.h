@@ -55,6 +55,9 @@ class MainWindow : public QMainWindow, public Shell {
   void ShowMessage(const QString& text) override;
   void FileSaved(const QString& path) override;
 
+ Q_SIGNALS:
+  void Closed();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 

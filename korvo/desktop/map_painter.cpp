@@ -18,6 +18,7 @@ constexpr double kScaleBar = 90;        // units at least
 constexpr std::size_t kFew = 3000;      // points with large marks, and with labels
 constexpr std::size_t kMany = 20000;    // points with marks of middle size
 constexpr double kLabelCell = 4;        // units
+constexpr double kEdge = 60;            // units for the northings
 constexpr int kFontPixels = 11;
 const QColor kGround(0xfb, 0xfb, 0xf8);
 const QColor kGridLine(0xdf, 0xe4, 0xea);
@@ -205,6 +206,12 @@ std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
     wanted.insert(wanted.end(), state->begin(), state->end());
     std::sort(wanted.begin() + first, wanted.end(), [](const Seen& a, const Seen& b) { return a.point < b.point; });
   }
+  // The edges belong to the coordinates, a corner to the scale bar.
+  const QSizeF size = camera.size;
+  occupied.Take({0, size.height() - 2 * height, size.width(), 2 * height});
+  occupied.Take({0, 0, kEdge, size.height()});
+  const double bar = RoundLength(kScaleBar / camera.scale) * camera.scale + kEdge / 2;
+  occupied.Take({size.width() - bar, size.height() - 4 * height, bar, 4 * height});
   for (const Seen& s : wanted) occupied.Take(QRectF(s.at - QPointF(mark, mark) / 2, QSizeF(mark, mark)));
   std::vector<Label> labels;
   for (const Seen& s : wanted) {

@@ -32,6 +32,8 @@ class MapView : public QWidget {
   void BringIntoView(int point);
   /// Zooms around a place of the widget.
   void Zoom(double factor, QPointF around);
+  /// By units of the widget.
+  void Pan(QPointF by);
   /// The points were read anew, or `point` alone. What was shown of them is let go in the first case.
   void PointsRead();
   void PointChanged();
@@ -67,7 +69,6 @@ class MapView : public QWidget {
 
  private:
   void Redraw();
-  void Pan(QPointF by);
   void DrawTag(QPainter& painter, int point) const;
   void SetHover(int point);
 

@@ -111,7 +111,9 @@ class NasFile::Parser {
       member_.kind = insert                              ? NasKind::kInsert
                      : name == QLatin1String("Replace") ? NasKind::kReplace
                                                          : NasKind::kDelete;
-      member_.begin = at_byte_;
+      // Behind text the reader stands one character further, since it had to see where the text ends.
+      const bool seen = at_byte_ > 0 && file_.bytes_[at_byte_ - 1] == '<';
+      member_.begin = seen ? at_byte_ - 1 : at_byte_;
       member_depth_ = depth_;
       type_ = WithoutPrefix(reader_.attributes().value(QStringLiteral("typeName")));
       return;

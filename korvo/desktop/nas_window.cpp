@@ -103,7 +103,7 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   members_->setWordWrap(false);
   members_->horizontalHeader()->setStretchLastSection(true);
   const int digit = members_->fontMetrics().horizontalAdvance(QLatin1Char('0'));
-  constexpr int kCharacters[] = {12, 30, 26, 22, 18};
+  constexpr int kCharacters[] = {11, 30, 20, 19, 18};
   for (int i = 0; i < NasModel::kColumns; ++i) members_->setColumnWidth(i, kCharacters[i] * digit);
   members_->verticalHeader()->setDefaultSectionSize(members_->fontMetrics().height() + 6);
   text_ = new QPlainTextEdit;
@@ -123,14 +123,14 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   across->addWidget(groups_);
   across->addWidget(right);
   across->setStretchFactor(1, 1);
-  across->setSizes({280, 720});
+  across->setSizes({270, 770});
   across->setChildrenCollapsible(false);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(summary_);
   layout->addWidget(across, 1);
   layout->addWidget(buttons);
-  resize(1040, 700);
+  resize(1120, 720);
 
   std::map<std::pair<NasKind, int>, std::vector<std::size_t>> groups;
   std::vector<std::size_t> all(file_->members().size());

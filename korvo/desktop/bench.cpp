@@ -1,0 +1,203 @@
+#include "korvo/desktop/bench.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGraphicsItem>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "korvo/desktop/main_window.h"
+#include "korvo/desktop/sprites.h"
+#include "korvo/host/project.h"
+
+namespace korvo {
+
+namespace {
+
+constexpr int kPoints = 100'000;
+constexpr int kPictures = 60;
+constexpr int kPicks = 10'000;
+constexpr QSize kSize(1900, 1000);
+constexpr double kExtent = 5000;  // metres
+
+void PutNumber(QByteArray* bytes, int value, int size) {
+  for (int i = 0; i < size; ++i) bytes->append(static_cast<char>(value >> (8 * i)));
+}
+
+/// A point table with attributes at every tenth point.
+bool WriteTable(const QString& path) {
+  struct Field {
+    const char* name;
+    char type;
+    int width;
+    int decimals;
+  };
+  constexpr Field kFields[] = {{"PT_NO", 'C', 15, 0}, {"EAST", 'N', 14, 4},  {"NORTH", 'N', 14, 4},
+                               {"ELEV", 'N', 10, 5},  {"NE_PKN", 'C', 20, 0}, {"NE_PO", 'N', 2, 0},
+                               {"NE_AKTION", 'N', 8, 0}};
+  int record = 1;
+  for (const Field& field : kFields) record += field.width;
+  QByteArray bytes("\x03\x7e\x03\x02", 4);
+  PutNumber(&bytes, kPoints, 4);
+  PutNumber(&bytes, 33 + 32 * static_cast<int>(std::size(kFields)), 2);
+  PutNumber(&bytes, record, 2);
+  bytes.append(20, '\0');
+  for (const Field& field : kFields) {
+    bytes += QByteArray(field.name).leftJustified(11, '\0') + field.type + QByteArray(4, '\0');
+    PutNumber(&bytes, field.width, 1);
+    PutNumber(&bytes, field.decimals, 1);
+    bytes.append(14, '\0');
+  }
+  bytes += '\r';
+  std::mt19937 random(20161);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same points on every machine
+  std::uniform_real_distribution<double> place(0, kExtent);
+  for (int i = 0; i < kPoints; ++i) {
+    std::array<char, 128> line{};
+    std::snprintf(line.data(), line.size(), " %-15d%14.4f%14.4f%10.5f%-20d%2d%8d", 100'000 + i, 648'000 + place(random),
+                  5'650'000 + place(random), 200.0, i, i % 10 == 0 ? 1 : 0, i / 10 % 3);
+    bytes += QByteArray(line.data(), record);
+  }
+  QFile file(path);
+  return file.open(QIODevice::WriteOnly) && file.write(bytes + '\x1a') > 0;
+}
+
+/// The bare scene: all points in one item, each drawn as a round dot by the toolkit.
+class Dots : public QGraphicsItem {
+ public:
+  explicit Dots(const PointSet& points) {
+    for (int i = 0; i < points.count(); ++i) {
+      dots_[static_cast<std::size_t>(points.State(i))].append({points.East(i), -points.North(i)});
+    }
+    const MapBox& box = points.bounds();
+    box_ = QRectF(QPointF(box.west, -box.north), QPointF(box.east, -box.south));
+  }
+  QRectF boundingRect() const override { return box_; }
+  void paint(QPainter* painter, const QStyleOptionGraphicsItem* /*option*/, QWidget* /*widget*/) override {
+    for (std::size_t i = 0; i < dots_.size(); ++i) {
+      QPen pen(ColourOf(static_cast<PointState>(i)), 5, Qt::SolidLine, Qt::RoundCap);
+      pen.setCosmetic(true);
+      painter->setPen(pen);
+      painter->drawPoints(dots_[i]);
+    }
+  }
+
+ private:
+  std::array<QPolygonF, kPointStates> dots_;
+  QRectF box_;
+};
+
+double Seconds(const std::function<void()>& work) {
+  QElapsedTimer timer;
+  timer.start();
+  work();
+  return static_cast<double>(timer.nsecsElapsed()) / 1e9;
+}
+
+/// The middle of three, since the machine may have other work.
+double Usual(const std::function<void()>& work) {
+  std::array<double, 3> runs{};
+  for (double& run : runs) run = Seconds(work);
+  std::sort(runs.begin(), runs.end());
+  return runs[1];
+}
+
+void Line(const char* what, double map, double bare, const char* unit) {
+  if (bare > 0) {
+    std::printf("%-38s %12.2f %12.2f  %s\n", what, map, bare, unit);
+  } else {
+    std::printf("%-38s %12.2f %12s  %s\n", what, map, "-", unit);
+  }
+}
+
+}  // namespace
+
+int RunBench() {
+  QTemporaryDir folder;
+  if (!folder.isValid() || !WriteTable(folder.filePath(QStringLiteral("punkte.dbf")))) return 1;
+  Waits waits;
+  MainWindow window(waits, {});
+  window.resize(kSize);
+  window.show();
+  QApplication::processEvents();
+  MapView& map = window.map();
+  const double first = Seconds([&] {
+    window.Open(folder.path());
+    map.repaint();
+  });
+  if (window.points().count() != kPoints) return 1;
+
+  QGraphicsScene scene;
+  QGraphicsView view(&scene);
+  view.setDragMode(QGraphicsView::ScrollHandDrag);
+  view.resize(map.size());
+  view.show();
+  QApplication::processEvents();
+  const double bare_first = Seconds([&] {
+    scene.addItem(new Dots(window.points()));
+    view.fitInView(scene.sceneRect(), Qt::KeepAspectRatio);
+    view.viewport()->repaint();
+  });
+
+  const QPointF middle = QRectF(map.rect()).center();
+  const double pan = Usual([&] {
+    for (int i = 0; i < kPictures; ++i) {
+      map.Pan({i % 2 == 0 ? 7.0 : -7.0, 3});
+      map.repaint();
+    }
+    map.ShowAll();
+  });
+  const double bare_pan = Usual([&] {
+    for (int i = 0; i < kPictures; ++i) {
+      view.translate(i % 2 == 0 ? 7 : -7, 3);
+      view.viewport()->update();
+      view.viewport()->repaint();
+    }
+  });
+  const double zoom = Usual([&] {
+    map.ShowAll();
+    for (int i = 0; i < kPictures; ++i) {
+      map.Zoom(i < kPictures / 2 ? 1.2 : 1 / 1.2, middle);
+      map.repaint();
+    }
+  });
+  const double bare_zoom = Usual([&] {
+    for (int i = 0; i < kPictures; ++i) {
+      const double factor = i < kPictures / 2 ? 1.2 : 1 / 1.2;
+      view.scale(factor, factor);
+      view.viewport()->repaint();
+    }
+  });
+  map.ShowAll();
+  int found = 0;
+  const double pick = Usual([&] {
+    for (int i = 0; i < kPicks; ++i) {
+      if (map.PointAt({(i * 37) % map.width() + 0.5, (i * 91) % map.height() + 0.5}) >= 0) ++found;
+    }
+  });
+
+  std::printf("%d Punkte, Karte von %d x %d, ein Bild nach dem anderen gezeichnet (%s)\n", kPoints, map.width(),
+              map.height(), QApplication::platformName().toLocal8Bit().constData());
+  std::printf("%-38s %12s %12s\n", "", "Korvo", "nur Szene");
+  Line("Projekt lesen und erstes Bild", first * 1000, 0, "ms");
+  Line("erstes Bild der gelesenen Punkte", Usual([&] {
+         map.ShowAll();
+         map.repaint();
+       }) * 1000,
+       bare_first * 1000, "ms");
+  Line("Verschieben", kPictures / pan, kPictures / bare_pan, "Bilder/s");
+  Line("Zoomen", kPictures / zoom, kPictures / bare_zoom, "Bilder/s");
+  Line("Punkt treffen", pick / kPicks * 1000, 0, "ms");
+  CloseProject();
+  return found > 0 ? 0 : 1;
+}
+
+}  // namespace korvo
