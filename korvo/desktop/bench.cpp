@@ -41,8 +41,8 @@ bool WriteTable(const QString& path) {
     int width;
     int decimals;
   };
-  constexpr Field kFields[] = {{"PT_NO", 'C', 15, 0}, {"EAST", 'N', 14, 4},  {"NORTH", 'N', 14, 4},
-                               {"ELEV", 'N', 10, 5},  {"NE_PKN", 'C', 20, 0}, {"NE_PO", 'N', 2, 0},
+  constexpr Field kFields[] = {{"PT_NO", 'C', 15, 0},   {"EAST", 'N', 14, 4},   {"NORTH", 'N', 14, 4},
+                               {"ELEV", 'N', 10, 5},    {"NE_PKN", 'C', 20, 0}, {"NE_PO", 'N', 2, 0},
                                {"NE_AKTION", 'N', 8, 0}};
   int record = 1;
   for (const Field& field : kFields) record += field.width;
@@ -189,13 +189,13 @@ int RunBench() {
   std::printf("%-38s %12s %12s\n", "", "Korvo", "nur Szene");
   Line("Projekt lesen und erstes Bild", first * 1000, 0, "ms");
   Line("erstes Bild der gelesenen Punkte", Usual([&] {
-         map.ShowAll();
-         map.repaint();
-       }) * 1000,
+                                             map.ShowAll();
+                                             map.repaint();
+                                           }) * 1000,
        bare_first * 1000, "ms");
   Line("Verschieben", kPictures / pan, kPictures / bare_pan, "Bilder/s");
   Line("Zoomen", kPictures / zoom, kPictures / bare_zoom, "Bilder/s");
-  Line("Punkt treffen", pick / kPicks * 1000, 0, "ms");
+  Line("Punkt treffen", pick / kPicks * 1e6, 0, "µs");
   CloseProject();
   return found > 0 ? 0 : 1;
 }

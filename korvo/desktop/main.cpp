@@ -50,11 +50,11 @@ int Fail(const std::string& utf8) {
 int main(int count, char** arguments) {
   if (!korvo::HoldStandardStreams()) return kExitNotStarted;
   Options options;
-  const std::string wrong = korvo::ReadCommandLine(
-      count, arguments,
-      {{{"--plugin", &options.plugin}, {"--clock", &options.clock}, {"--zone", &options.zone}},
-       {{"--help", &options.help}, {"--bench", &options.bench}},
-       &options.project});
+  const std::string wrong =
+      korvo::ReadCommandLine(count, arguments,
+                             {{{"--plugin", &options.plugin}, {"--clock", &options.clock}, {"--zone", &options.zone}},
+                              {{"--help", &options.help}, {"--bench", &options.bench}},
+                              &options.project});
   if (!wrong.empty()) return Fail(wrong);
   if (options.help) {
     std::fputs(kUsage, stdout);

@@ -240,8 +240,8 @@ void MainWindow::BuildActions() {
   reload_ = action(file, QStringLiteral("&Neu laden"), QKeySequence(Qt::Key_F5), [this] { Reload(); });
   file->addSeparator();
   action(file, QStringLiteral("NAS-Datei &ansehen …"), QKeySequence(QStringLiteral("Ctrl+N")), [this] { AskForNas(); });
-  save_map_ = action(file, QStringLiteral("&Karte speichern …"), QKeySequence(QStringLiteral("Ctrl+K")),
-                     [this] { SaveMap(); });
+  save_map_ =
+      action(file, QStringLiteral("&Karte speichern …"), QKeySequence(QStringLiteral("Ctrl+K")), [this] { SaveMap(); });
   file->addSeparator();
   action(file, QStringLiteral("&Beenden"), QKeySequence(QStringLiteral("Ctrl+Q")), [this] { close(); });
   connect(file, &QMenu::aboutToShow, this, &MainWindow::FillRecent);
@@ -375,8 +375,8 @@ void MainWindow::FitColumns() {
   for (int i = 0; i < model_->columnCount(); ++i) {
     const QString name = model_->headerData(i, Qt::Horizontal).toString();
     filter_column_->addItem(QStringLiteral("in ") + name);
-    const int characters = i == points_.number_column() ? model_->CharactersOf(i)
-                                                        : std::min(kWidestColumn, model_->CharactersOf(i));
+    const int characters =
+        i == points_.number_column() ? model_->CharactersOf(i) : std::min(kWidestColumn, model_->CharactersOf(i));
     const int head = table_->horizontalHeader()->fontMetrics().horizontalAdvance(name) + 2 * kRoom;
     table_->setColumnWidth(i, std::max(characters * digit + kRoom, head) + (i == 0 ? icon : 0));
   }
@@ -391,7 +391,8 @@ void MainWindow::ShowCounts() {
   without_place_->setVisible(points_.without_place() > 0);
   without_place_->setText(QStringLiteral("%1 ohne Koordinaten").arg(QLocale().toString(points_.without_place())));
   const int shown = model_->rowCount();
-  filter_count_->setText(QStringLiteral("%1 von %2").arg(QLocale().toString(shown), QLocale().toString(points_.count())));
+  filter_count_->setText(
+      QStringLiteral("%1 von %2").arg(QLocale().toString(shown), QLocale().toString(points_.count())));
 }
 
 void MainWindow::Remember(const QString& path) {
@@ -413,9 +414,9 @@ void MainWindow::FillRecent() {
 }
 
 void MainWindow::AskForProject() {
-  const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Punkttabelle eines Projekts öffnen"),
-                                                    FromAnsi(ProjectFolder()),
-                                                    QStringLiteral("Punkttabelle (*.dbf *.DBF)"));
+  const QString path =
+      QFileDialog::getOpenFileName(this, QStringLiteral("Punkttabelle eines Projekts öffnen"),
+                                   FromAnsi(ProjectFolder()), QStringLiteral("Punkttabelle (*.dbf *.DBF)"));
   if (!path.isEmpty()) Open(path);
 }
 
@@ -484,11 +485,11 @@ void MainWindow::SetCommands(const Menu& menu) {
     command->setData(entry.number);
     command->setObjectName(QStringLiteral("command_%1").arg(entry.number));
     // The function key of the entry's number, where there is one.
-    command->setShortcut(entry.number == 0 ? QKeySequence(QStringLiteral("Shift+Esc"))
+    command->setShortcut(entry.number == 0    ? QKeySequence(QStringLiteral("Shift+Esc"))
                          : entry.number <= 12 ? QKeySequence(Qt::Key_F1 + entry.number - 1)
                                               : QKeySequence());
-    command->setToolTip(QStringLiteral("%1 (%2)").arg(AsLine(entry.text),
-                                                      command->shortcut().toString(QKeySequence::NativeText)));
+    command->setToolTip(
+        QStringLiteral("%1 (%2)").arg(AsLine(entry.text), command->shortcut().toString(QKeySequence::NativeText)));
     connect(command, &QAction::triggered, this, [this, number = entry.number] { Command(number); });
     commands_bar_->addAction(command);
     commands_.push_back(command);
@@ -616,7 +617,8 @@ void MainWindow::Entered() {
   const std::string number = ToAnsi(find_->text().trimmed());
   if (number.empty()) return;
   int point = points_.Find(number);
-  if (point < 0 && !picking_) point = points_.FindPart(number, map_->selected().empty() ? -1 : map_->selected().front());
+  if (point < 0 && !picking_)
+    point = points_.FindPart(number, map_->selected().empty() ? -1 : map_->selected().front());
   if (point < 0) {
     find_->selectAll();
     return ShowMessage(QStringLiteral("Die Tabelle hat keinen Punkt %1.").arg(find_->text().trimmed()));

@@ -95,7 +95,7 @@ class MainWindow : public QMainWindow, public Shell {
   Waits& waits_;
   std::string library_;
   PointSet points_;
-  QString opened_;  ///< what the person named
+  QString opened_;   ///< what the person named
   QString why_not_;  ///< why the plug-in cannot be started; empty where it can
 
   MapView* map_;
@@ -129,7 +129,7 @@ class MainWindow : public QMainWindow, public Shell {
   const Menu* menu_ = nullptr;  ///< whose entries are offered
   bool menu_waits_ = false;
   bool picking_ = false;
-  bool following_ = false;  ///< a selection is being passed on between map and table
+  bool following_ = false;      ///< a selection is being passed on between map and table
   std::optional<int> pending_;  ///< entry of the menu that the plug-in was started for, or led back to the menu for
   std::function<void()> after_plugin_;
 };

@@ -11,14 +11,14 @@ namespace korvo {
 
 namespace {
 
-constexpr double kMargin = 40;          // of a fitted picture
-constexpr double kLeastExtent = 10;     // metres
-constexpr double kGridSpacing = 110;    // units at least
-constexpr double kScaleBar = 90;        // units at least
-constexpr std::size_t kFew = 3000;      // points with large marks, and with labels
-constexpr std::size_t kMany = 20000;    // points with marks of middle size
-constexpr double kLabelCell = 4;        // units
-constexpr double kEdge = 60;            // units for the northings
+constexpr double kMargin = 40;        // of a fitted picture
+constexpr double kLeastExtent = 10;   // metres
+constexpr double kGridSpacing = 110;  // units at least
+constexpr double kScaleBar = 90;      // units at least
+constexpr std::size_t kFew = 3000;    // points with large marks, and with labels
+constexpr std::size_t kMany = 20000;  // points with marks of middle size
+constexpr double kLabelCell = 4;      // units
+constexpr double kEdge = 60;          // units for the northings
 constexpr int kFontPixels = 11;
 const QColor kGround(0xfb, 0xfb, 0xf8);
 const QColor kGridLine(0xdf, 0xe4, 0xea);
@@ -199,24 +199,17 @@ std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
                                                        double mark) {
   const double height = QFontMetricsF(font_).height() - 2;
   Occupied occupied(camera.size);
-  std::vector<Seen> wanted;
-  // Points with attributes come first, the others in the order of the table, so that a label stays while one pans.
-  for (auto state = seen.rbegin(); state != seen.rend(); ++state) {
-    const auto first = static_cast<std::ptrdiff_t>(wanted.size());
-    wanted.insert(wanted.end(), state->begin(), state->end());
-    std::sort(wanted.begin() + first, wanted.end(), [](const Seen& a, const Seen& b) { return a.point < b.point; });
-  }
   // The edges belong to the coordinates, a corner to the scale bar.
   const QSizeF size = camera.size;
   occupied.Take({0, size.height() - 2 * height, size.width(), 2 * height});
   occupied.Take({0, 0, kEdge, size.height()});
   const double bar = RoundLength(kScaleBar / camera.scale) * camera.scale + kEdge / 2;
   occupied.Take({size.width() - bar, size.height() - 4 * height, bar, 4 * height});
-  for (const Seen& s : wanted) occupied.Take(QRectF(s.at - QPointF(mark, mark) / 2, QSizeF(mark, mark)));
+
   std::vector<Label> labels;
-  for (const Seen& s : wanted) {
+  const auto place = [&](const Seen& s) {
     const QString text = AsLine(points_.Number(s.point)).trimmed();
-    if (text.isEmpty()) continue;
+    if (text.isEmpty()) return;
     const double width = letters_->Width(text);
     const double gap = mark / 2 + kLabelCell;
     const QPointF corners[] = {s.at + QPointF(gap, -height / 2), s.at + QPointF(-gap - width, -height / 2),
@@ -226,8 +219,20 @@ std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
       if (!occupied.Free(box)) continue;
       occupied.Take(box);
       labels.push_back({text, corner.x(), corner.y() + height / 2});
-      break;
+      return;
     }
+  };
+  // Points with attributes come first and may cover marks, the others go where they cover none, in the order of the
+  // table, so that a label stays while one pans.
+  for (std::size_t state = seen.size(); state-- > 0;) {
+    if (state == 0) {
+      for (const std::vector<Seen>& all : seen) {
+        for (const Seen& s : all) occupied.Take(QRectF(s.at - QPointF(mark, mark) / 2, QSizeF(mark, mark)));
+      }
+    }
+    std::vector<Seen> wanted = seen[state];
+    std::sort(wanted.begin(), wanted.end(), [](const Seen& a, const Seen& b) { return a.point < b.point; });
+    for (const Seen& s : wanted) place(s);
   }
   return labels;
 }

@@ -104,7 +104,8 @@ void MapView::BringIntoView(int point) {
   const QPointF at = PlaceOf(point);
   const QRectF inner = QRectF(rect()).adjusted(kPickRadius, kPickRadius, -kPickRadius, -kPickRadius);
   if (inner.contains(at)) return;
-  Pan({std::clamp(at.x(), inner.left(), inner.right()) - at.x(), std::clamp(at.y(), inner.top(), inner.bottom()) - at.y()});
+  Pan({std::clamp(at.x(), inner.left(), inner.right()) - at.x(),
+       std::clamp(at.y(), inner.top(), inner.bottom()) - at.y()});
 }
 
 void MapView::Zoom(double factor, QPointF around) {

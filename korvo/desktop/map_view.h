@@ -75,8 +75,8 @@ class MapView : public QWidget {
   const PointSet& points_;
   MapPainter painter_;
   MapCamera camera_;
-  QImage picture_;     ///< null: to be drawn
-  bool all_ = true;    ///< shows all points, whatever size it gets
+  QImage picture_;   ///< null: to be drawn
+  bool all_ = true;  ///< shows all points, whatever size it gets
   int hover_ = -1;
   int pkn_ = -1;  ///< column
   bool picking_ = false;

@@ -108,9 +108,9 @@ class NasFile::Parser {
       const bool insert = name == QLatin1String("Insert");
       if (!insert && name != QLatin1String("Replace") && name != QLatin1String("Delete")) return;
       member_ = {};
-      member_.kind = insert                              ? NasKind::kInsert
+      member_.kind = insert                             ? NasKind::kInsert
                      : name == QLatin1String("Replace") ? NasKind::kReplace
-                                                         : NasKind::kDelete;
+                                                        : NasKind::kDelete;
       // Behind text the reader stands one character further, since it had to see where the text ends.
       const bool seen = at_byte_ > 0 && file_.bytes_[at_byte_ - 1] == '<';
       member_.begin = seen ? at_byte_ - 1 : at_byte_;
@@ -231,7 +231,8 @@ std::vector<int> PointsOf(const NasFile& file, const PointSet& points) {
   }
   for (std::size_t i = 0; i < found.size(); ++i) {
     const NasMember& member = file.members()[i];
-    if (found[i] < 0 && !member.owner.isEmpty()) found[i] = by_owner.value(member.owner, by_object.value(member.owner, -1));
+    if (found[i] < 0 && !member.owner.isEmpty())
+      found[i] = by_owner.value(member.owner, by_object.value(member.owner, -1));
   }
   return found;
 }

@@ -44,7 +44,9 @@ class NasModel : public QAbstractTableModel {
   int PointAt(int row) const { return point_of_[rows_[static_cast<std::size_t>(row)]]; }
   const std::vector<int>& points() const { return point_of_; }
 
-  int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : static_cast<int>(rows_.size()); }
+  int rowCount(const QModelIndex& parent) const override {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+  }
   int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : kColumns; }
 
   QVariant data(const QModelIndex& index, int role) const override {
@@ -141,9 +143,9 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   groups_->addItem(QStringLiteral("Alle Objekte (%1)").arg(all.size()));
   std::vector<std::vector<std::size_t>> lists = {all};
   for (auto& [key, list] : groups) {
-    groups_->addItem(QStringLiteral("%1 %2 (%3)").arg(NameOf(key.first),
-                                                      file_->types()[static_cast<std::size_t>(key.second)],
-                                                      QString::number(list.size())));
+    groups_->addItem(QStringLiteral("%1 %2 (%3)")
+                         .arg(NameOf(key.first), file_->types()[static_cast<std::size_t>(key.second)],
+                              QString::number(list.size())));
     lists.push_back(std::move(list));
   }
   connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
@@ -183,8 +185,9 @@ void NasWindow::PointsRead() {
 }
 
 void NasWindow::ShowSummary() {
-  QString text = QStringLiteral("%1\n%2 Objekte, davon mit Punkten des Projekts: %3. Diese %4 Punkte sind in der Karte "
-                                "violett umringt.")
+  QString text = QStringLiteral(
+                     "%1\n%2 Objekte, davon mit Punkten des Projekts: %3. Diese %4 Punkte sind in der Karte "
+                     "violett umringt.")
                      .arg(file_->path())
                      .arg(file_->members().size())
                      .arg(std::count_if(model_->points().begin(), model_->points().end(), [](int p) { return p >= 0; }))

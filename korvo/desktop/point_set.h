@@ -48,7 +48,8 @@ class PointSet {
   std::string_view Bytes(int point) const;
   /// First point of a number, blanks in front left aside where nothing fits exactly; -1 for none.
   int Find(std::string_view number) const;
-  /// First point behind `after` whose number has these letters and digits in it, beginning again at the end; -1 for none.
+  /// First point behind `after` whose number has these letters and digits in it, beginning again at the end; -1 for
+  /// none.
   int FindPart(std::string_view part, int after) const;
 
   PointState State(int point) const { return states_[static_cast<std::size_t>(point)]; }

@@ -22,7 +22,8 @@ QImage MarkSprite(PointState state, double size, double ratio);
 /// A ring around a mark of that width.
 QImage RingSprite(const QColor& colour, double size, double ratio);
 
-/// Puts a sprite onto a picture without alpha, its centre at a place in the picture's own pixels. What stands out is cut.
+/// Puts a sprite onto a picture without alpha, its centre at a place in the picture's own pixels. What stands out is
+/// cut.
 void PutSprite(QImage* onto, const QImage& sprite, int x, int y);
 
 /// The letters of one font, each drawn once.
