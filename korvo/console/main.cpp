@@ -51,13 +51,13 @@ int Fail(const std::string& utf8) {
 
 /// What is wrong with the arguments; empty for nothing.
 std::string Parse(int count, char** arguments, Options* options) {
-  const std::string wrong = korvo::ReadCommandLine(count, arguments,
-                                                   {{{"--plugin", &options->plugin},
-                                                     {"--clock", &options->clock},
-                                                     {"--zone", &options->zone},
-                                                     {"--script", &options->script}},
-                                                    {{"--help", &options->help}},
-                                                    &options->project});
+  std::string wrong = korvo::ReadCommandLine(count, arguments,
+                                             {{{"--plugin", &options->plugin},
+                                               {"--clock", &options->clock},
+                                               {"--zone", &options->zone},
+                                               {"--script", &options->script}},
+                                              {{"--help", &options->help}},
+                                              &options->project});
   if (!wrong.empty() || options->help) return wrong;
   if (options->project.empty()) return "Es fehlt das Projekt; --help zeigt die Hilfe.";
   if (options->clock.empty() && !options->zone.empty()) return "--zone geht nur zusammen mit --clock.";

@@ -140,7 +140,7 @@ QWidget* MainWindow::BuildMapSide() {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(find_bar_);
   layout->addWidget(map_, 1);
-  EndPick();
+  ShowFindBar();
   connect(find_, &QLineEdit::returnPressed, this, &MainWindow::Entered);
   connect(find_button_, &QPushButton::clicked, this, &MainWindow::Entered);
   connect(end_pick_, &QPushButton::clicked, this, [this] { waits_.Pick(0); });
@@ -553,29 +553,29 @@ void MainWindow::HideMenu() {
 
 void MainWindow::BeginPick() {
   picking_ = true;
-  find_label_->setText(QStringLiteral("Punkt wählen – in Karte oder Tabelle, oder &Nummer:"));
-  find_button_->setText(QStringLiteral("&Wählen"));
-  end_pick_->show();
-  QPalette colours = palette();
-  colours.setColor(QPalette::Window, QColor(0xff, 0xe2, 0xb3));
-  find_bar_->setPalette(colours);
-  find_->clear();
+  ShowFindBar();
   find_->setFocus();
   stop_pick_->setEnabled(true);
-  map_->SetPicking(true);
   UpdateCommands();
 }
 
 void MainWindow::EndPick() {
   picking_ = false;
-  find_label_->setText(QStringLiteral("Punkt &suchen:"));
-  find_button_->setText(QStringLiteral("&Zeigen"));
-  end_pick_->hide();
-  find_bar_->setPalette(palette());
-  find_->clear();
-  if (stop_pick_ != nullptr) stop_pick_->setEnabled(false);
-  map_->SetPicking(false);
+  ShowFindBar();
+  stop_pick_->setEnabled(false);
   UpdateCommands();
+}
+
+void MainWindow::ShowFindBar() {
+  find_label_->setText(picking_ ? QStringLiteral("Punkt wählen – in Karte oder Tabelle, oder N&ummer:")
+                                : QStringLiteral("Punkt &suchen:"));
+  find_button_->setText(picking_ ? QStringLiteral("&Wählen") : QStringLiteral("&Zeigen"));
+  end_pick_->setVisible(picking_);
+  find_->clear();
+  QPalette colours = palette();
+  if (picking_) colours.setColor(QPalette::Window, QColor(0xff, 0xe2, 0xb3));
+  find_bar_->setPalette(colours);
+  map_->SetPicking(picking_);
 }
 
 void MainWindow::PickPoint(int point) {

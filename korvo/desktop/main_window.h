@@ -85,6 +85,8 @@ class MainWindow : public QMainWindow, public Shell {
   void AskForNas();
   void SaveMap();
 
+  /// The line above the map: for finding points, or for picking one.
+  void ShowFindBar();
   void Entered();
   void PickPoint(int point);
   void Select(const std::vector<int>& points);

@@ -36,6 +36,15 @@ QString Coordinate(double value, double step) {
   return value < 0 ? QChar(0x2212) + text : text;
 }
 
+/// The multiples of a step in a range.
+std::vector<double> GridValues(double from, double to, double step) {
+  std::vector<double> values;
+  const double first = std::ceil(from / step);
+  const int count = static_cast<int>(std::floor(to / step) - first) + 1;
+  for (int i = 0; i < count; ++i) values.push_back((first + i) * step);
+  return values;
+}
+
 QString Length(double metres) {
   if (metres >= 1000) return QString::number(metres / 1000) + QStringLiteral(" km");
   if (metres >= 1) return QString::number(metres) + QStringLiteral(" m");
@@ -241,11 +250,11 @@ void MapPainter::DrawGridLines(QPainter& painter, const MapCamera& camera) {
   const double step = RoundLength(kGridSpacing / camera.scale);
   const MapBox box = camera.Seen(0);
   painter.setPen(QPen(kGridLine, 1));
-  for (double e = std::ceil(box.west / step) * step; e <= box.east; e += step) {
+  for (const double e : GridValues(box.west, box.east, step)) {
     const double x = std::floor(camera.ToPicture(e, 0).x()) + 0.5;
     painter.drawLine(QPointF(x, 0), QPointF(x, camera.size.height()));
   }
-  for (double n = std::ceil(box.south / step) * step; n <= box.north; n += step) {
+  for (const double n : GridValues(box.south, box.north, step)) {
     const double y = std::floor(camera.ToPicture(0, n).y()) + 0.5;
     painter.drawLine(QPointF(0, y), QPointF(camera.size.width(), y));
   }
@@ -263,16 +272,16 @@ void MapPainter::WriteGrid(QPainter& painter, const MapCamera& camera) const {
   const double right = camera.size.width() - 3 * kInset;
   const double left = right - bar * camera.scale;
   const double bar_bottom = bottom - metrics.height() - kInset;
-  for (double e = std::ceil(box.west / step) * step; e <= box.east; e += step) {
-    const QString text = Coordinate(std::round(e / step) * step, step);
+  for (const double e : GridValues(box.west, box.east, step)) {
+    const QString text = Coordinate(e, step);
     const double width = metrics.horizontalAdvance(text);
     const double x = camera.ToPicture(e, 0).x() - width / 2;
     if (x > kInset && x + width < camera.size.width() - kInset) WriteWithHalo(painter, text, x, bottom);
   }
-  for (double n = std::ceil(box.south / step) * step; n <= box.north; n += step) {
+  for (const double n : GridValues(box.south, box.north, step)) {
     const double y = camera.ToPicture(0, n).y();
     if (y > metrics.height() && y < bottom - 1.5 * metrics.height()) {
-      WriteWithHalo(painter, Coordinate(std::round(n / step) * step, step), kInset, y);
+      WriteWithHalo(painter, Coordinate(n, step), kInset, y);
     }
   }
   for (const QPen& pen : {QPen(Qt::white, 4, Qt::SolidLine, Qt::SquareCap), QPen(kFrame, 1.6)}) {
