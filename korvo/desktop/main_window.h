@@ -43,6 +43,9 @@ class MainWindow : public QMainWindow, public Shell {
   /// Shows what is in a NAS file. Null where it cannot be read, and the window says so.
   NasWindow* OpenNas(const QString& path);
 
+  /// Starts the plug-in, which waits in its menu; gives back when it has ended. What keeps it from starting is said.
+  void StartPlugin();
+
   MapView& map() { return *map_; }
   const PointSet& points() const { return points_; }
 
@@ -70,7 +73,6 @@ class MainWindow : public QMainWindow, public Shell {
 
   void SetCommands(const Menu& menu);
   void Command(int number);
-  void StartPlugin();
   void UpdateCommands();
   /// Does it now, or, where the plug-in waits in its menu, after the end of the plug-in.
   void WithoutPlugin(std::function<void()> work);

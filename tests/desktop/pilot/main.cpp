@@ -1,15 +1,19 @@
 // korvo-pilot: plays a script of the console through the windows of the desktop, read from stdin. The arguments are the
 // console's.
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -27,8 +31,10 @@
 #include "korvo/desktop/application.h"
 #include "korvo/desktop/desktop_front_end.h"
 #include "korvo/desktop/dialog_window.h"
+#include "korvo/desktop/main_window.h"
+#include "korvo/desktop/nas_window.h"
 #include "korvo/desktop/text.h"
-#include "korvo/host/plugin.h"
+#include "korvo/host/menus.h"
 #include "korvo/host/points.h"
 #include "korvo/host/project.h"
 #include "korvo/words/words.h"
@@ -38,46 +44,50 @@ namespace {
 
 using namespace text::literals;
 
-/// A main window without a map.
-class BareShell : public korvo::Shell {
+/// Keeps a picture of each window as it was last seen, under its number, page and title.
+class Pictures {
  public:
-  BareShell() {
-    window_.setWindowTitle(korvo::FromAnsi("Korvo – "_ansi + korvo::ProjectName()));
-    window_.show();
-  }
-  QWidget* Widget() override { return &window_; }
-  void ShowMenu(const korvo::Menu& shown) override { menu = &shown; }
-  void HideMenu() override { menu = nullptr; }
-  void BeginPick() override { picking = true; }
-  void EndPick() override { picking = false; }
-  void PointChanged(std::int32_t) override {}
-  void ShowMessage(const QString&) override {}
-  void FileSaved(const QString&) override {}
+  explicit Pictures(const std::string& folder) : folder_(QString::fromStdString(folder)) {}
 
-  const korvo::Menu* menu = nullptr;
-  bool picking = false;
+  void Take(QWidget& window, const QString& name) const {
+    if (folder_.isEmpty()) return;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    static const QRegularExpression others(QStringLiteral("\\W+"), QRegularExpression::UseUnicodePropertiesOption);
+    const QString file = QString(name).replace(others, QStringLiteral("_"));
+    if (!window.grab().save(folder_ + QChar(u'/') + file + QStringLiteral(".png"))) std::perror("korvo-pilot");
+  }
+  void Take(korvo::DialogWindow& window) const {
+    QString page;
+    for (const toolkit::Control* control : window.dialog().controls()) {
+      if (control->kind() != toolkit::Kind::kPages || !window.dialog().Shows(*control)) continue;
+      page = QString::number(static_cast<const toolkit::Pages*>(control)->current + 1);
+    }
+    Take(window, QString::number(window.dialog().number()) + QChar(u' ') + page + QChar(u' ') + window.windowTitle());
+  }
 
  private:
-  QWidget window_;
+  QString folder_;
 };
+
+/// Characters of a box's text that tell it from others.
+constexpr qsizetype kNamed = 20;
 
 class Pilot {
  public:
-  Pilot(korvo::Terminal& terminal, BareShell& shell, korvo::Waits& waits, const platform::Clock& clock)
-      : terminal_(terminal), shell_(shell), waits_(waits), clock_(clock) {}
+  Pilot(korvo::Terminal& terminal, korvo::MainWindow& main, korvo::Waits& waits, const platform::Clock& clock,
+        const std::string& pictures)
+      : terminal_(terminal), main_(main), waits_(waits), clock_(clock), pictures_(pictures) {}
 
-  void Fly(const std::string& library) {
+  void Fly() {
     while (const auto command = terminal_.Ask("Korvo> ", korvo::Terminal::AtEnd::kGoOn)) {
       if (*command == "ende") break;
       if (*command != "start") continue;
-      std::string why;
       Soon();
-      waits_.RunPlugin([&] {
-        if (!korvo::RunPlugin(library, &why)) terminal_.Refuse(why);
-      });
+      main_.StartPlugin();
       ++flight_;
     }
     terminal_.EndOfScript();
+    LookAtSavedFile();
   }
 
  private:
@@ -106,8 +116,8 @@ class Pilot {
     if (auto* window = dynamic_cast<korvo::DialogWindow*>(top)) return InDialog(*window);
     if (auto* box = qobject_cast<QMessageBox*>(top)) return InBox(*box);
     if (auto* picker = qobject_cast<QFileDialog*>(top)) return InPicker(*picker);
-    if (shell_.menu != nullptr) return InMenu(*shell_.menu);
-    if (shell_.picking) InPick();
+    if (main_.findChild<QWidget*>(QStringLiteral("end_pick"))->isVisible()) return InPick();
+    if (Entry(0)->isEnabled()) InMenu();
   }
 
   void InDialog(korvo::DialogWindow& window) {
@@ -119,6 +129,7 @@ class Pilot {
     std::exchange(session.met, true) ? session.view.ShowChanges() : session.view.ShowAll();
     const std::string difference = pilot::Difference(window);
     if (!difference.empty()) terminal_.Refuse("Das Fenster zeigt etwas anderes: "_ansi + difference);
+    pictures_.Take(window);
     session.commands.Do(*terminal_.Ask("> "));
   }
 
@@ -127,6 +138,7 @@ class Pilot {
     terminal_.SayLines(korvo::ToAnsi(box.text()), "| ");
     const bool asks_to_overwrite = qobject_cast<QFileDialog*>(box.parentWidget()) != nullptr;
     if (!asks_to_overwrite) terminal_.MeetBox(korvo::ToAnsi(box.windowTitle()), korvo::ToAnsi(box.text()));
+    pictures_.Take(box, QStringLiteral("Meldung ") + box.windowTitle() + QChar(u' ') + box.text().left(kNamed));
     const std::string word = *terminal_.Ask("> ");
     const QMessageBox::StandardButton meant = word == "ja"     ? QMessageBox::Yes
                                               : word == "nein" ? QMessageBox::No
@@ -138,6 +150,7 @@ class Pilot {
   }
 
   void InPicker(QFileDialog& picker) {
+    pictures_.Take(picker, QStringLiteral("Auswahl ") + picker.windowTitle());
     const std::string command = *terminal_.Ask("Datei> ");
     if (command == "abbruch") {
       QTest::keyClick(&picker, Qt::Key_Escape);
@@ -151,23 +164,48 @@ class Pilot {
     QTest::keyClick(name, Qt::Key_Return);
   }
 
-  void InMenu(const korvo::Menu& menu) {
+  QAction* Entry(int number) { return main_.findChild<QAction*>(QStringLiteral("command_%1").arg(number)); }
+
+  void InMenu() {
+    const korvo::Menu& menu = *korvo::FindMenu("PKTAUMEN");
     terminal_.Say("--- " + menu.title + " ---");
-    waits_.Choose(korvo::ToNumber(*terminal_.Ask("Menü> "_ansi)).value_or(-1));
+    pictures_.Take(main_, QStringLiteral("Fenster Menü"));
+    const int number = korvo::ToNumber(*terminal_.Ask("Menü> "_ansi)).value_or(-1);
+    QAction* const entry = Entry(number);
+    if (entry == nullptr) return waits_.Choose(number);
+    QTest::mouseClick(main_.findChild<QToolBar*>(QStringLiteral("commands_bar"))->widgetForAction(entry),
+                      Qt::LeftButton);
   }
 
   void InPick() {
+    pictures_.Take(main_, QStringLiteral("Fenster Punkt wählen"));
     const std::string command = *terminal_.Ask("Punkt> ");
-    HostPoint point;
-    const std::int32_t record = command == "ende" ? 0 : korvo::FindPoint(korvo::Unquote(command), &point);
-    if (record == 0 && command != "ende") return terminal_.Refuse(command);
-    waits_.Pick(record);
+    if (command == "ende") {
+      QTest::mouseClick(main_.findChild<QPushButton*>(QStringLiteral("end_pick")), Qt::LeftButton);
+      return;
+    }
+    const int point = main_.points().Find(korvo::Unquote(command));
+    if (point < 0) return terminal_.Refuse(command);
+    auto* const number = main_.findChild<QLineEdit*>(QStringLiteral("find"));
+    QTest::keyClicks(number, korvo::FromAnsi(korvo::Unquote(command)));
+    QTest::keyClick(number, Qt::Key_Return);
+  }
+
+  void LookAtSavedFile() {
+    QWidget* const notice = main_.findChild<QWidget*>(QStringLiteral("file_notice"));
+    if (!notice->isVisible()) return;
+    pictures_.Take(main_, QStringLiteral("Fenster Datei geschrieben"));
+    QTest::mouseClick(notice->findChild<QPushButton*>(), Qt::LeftButton);
+    auto* const nas = main_.findChild<korvo::NasWindow*>();
+    pictures_.Take(*nas, QStringLiteral("NAS-Datei"));
+    pictures_.Take(main_, QStringLiteral("Fenster NAS-Datei"));
   }
 
   korvo::Terminal& terminal_;
-  BareShell& shell_;
+  korvo::MainWindow& main_;
   korvo::Waits& waits_;
   const platform::Clock& clock_;
+  Pictures pictures_;
   std::vector<std::unique_ptr<Session>> sessions_;
   int flight_ = 0;
   bool picked_ = false;
@@ -193,15 +231,16 @@ int main(int count, char** arguments) {
   const std::unique_ptr<platform::Clock> clock(
       platform::NewStandingClock(options["--clock"].c_str(), options["--zone"].c_str()));
   korvo::Terminal terminal(stdin, false);
-  const korvo::OpenedProject opened = korvo::OpenProject(arguments[count - 1]);
-  if (!opened.open || clock == nullptr) return korvo::kExitNotStarted;
-  if (!opened.note.empty()) terminal.SayLines(opened.note, "! ");
+  if (clock == nullptr) return korvo::kExitNotStarted;
   {
-    BareShell shell;
     korvo::Waits waits;
-    korvo::DesktopFrontEnd front_end(shell, waits, *clock);
+    korvo::MainWindow main(waits, options["--plugin"]);
+    korvo::DesktopFrontEnd front_end(main, waits, *clock);
     korvo::SetFrontEnd(&front_end);
-    Pilot(terminal, shell, waits, *clock).Fly(options["--plugin"]);
+    main.show();
+    main.Open(QString::fromLocal8Bit(arguments[count - 1]));
+    if (korvo::ProjectFolder().empty()) return korvo::kExitNotStarted;
+    Pilot(terminal, main, waits, *clock, options["--pictures"]).Fly();
   }
   korvo::CloseProject();
   korvo::SetFrontEnd(nullptr);
