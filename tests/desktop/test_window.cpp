@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QSettings>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -14,7 +12,6 @@
 
 #include "base/text.h"
 #include "entry/host/host.h"
-#include "korvo/desktop/application.h"
 #include "korvo/desktop/desktop_front_end.h"
 #include "korvo/desktop/main_window.h"
 #include "korvo/desktop/nas_file.h"
@@ -29,15 +26,6 @@ using support::TableFile;
 /// The window on a project of four points: one with the zone in its easting, one deleted record, one hostile remark.
 class Window : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    static int count = 1;
-    static QApplication application(count, arguments);
-    korvo::SetUpApplication(application);
-    static const support::TempFolder settings;
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(settings.path()));
-  }
   Window() {
     std::vector<support::TableColumn> columns = support::PointColumns();
     columns.push_back({"REM", 'C', 30, 0});
