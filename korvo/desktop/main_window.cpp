@@ -143,7 +143,7 @@ QWidget* MainWindow::BuildMapSide() {
   ShowFindBar();
   connect(find_, &QLineEdit::returnPressed, this, &MainWindow::Entered);
   connect(find_button_, &QPushButton::clicked, this, &MainWindow::Entered);
-  connect(end_pick_, &QPushButton::clicked, this, [this] { waits_.Pick(0); });
+  connect(end_pick_, &QPushButton::clicked, this, &MainWindow::StopPicking);
   return side;
 }
 
@@ -273,7 +273,7 @@ void MainWindow::BuildActions() {
   stop_pick_ = new QAction(this);
   stop_pick_->setShortcut(Qt::Key_Escape);
   stop_pick_->setEnabled(false);
-  connect(stop_pick_, &QAction::triggered, this, [this] { waits_.Pick(0); });
+  connect(stop_pick_, &QAction::triggered, this, &MainWindow::StopPicking);
   addAction(stop_pick_);
 
   QToolBar* bar = addToolBar(QStringLiteral("Projekt"));
@@ -294,9 +294,9 @@ void MainWindow::WithoutPlugin(std::function<void()> work) {
   if (!waits_.plugin_runs()) return work();
   after_plugin_ = std::move(work);
   if (picking_) {
-    waits_.Pick(0);
+    StopPicking();
   } else if (menu_waits_) {
-    waits_.Choose(0);
+    Command(0);
   }
 }
 
@@ -507,10 +507,14 @@ void MainWindow::UpdateCommands() {
 }
 
 void MainWindow::Command(int number) {
-  if (menu_waits_) return waits_.Choose(number);
+  if (menu_waits_) {
+    // The loop ends when this event is done; until then no second command is taken.
+    HideMenu();
+    return waits_.Choose(number);
+  }
   pending_ = number;
   if (picking_) {
-    waits_.Pick(0);
+    StopPicking();
   } else if (!waits_.plugin_runs()) {
     StartPlugin();
   }
@@ -581,7 +585,13 @@ void MainWindow::ShowFindBar() {
 void MainWindow::PickPoint(int point) {
   if (point < 0) return ShowMessage(QStringLiteral("Dort ist kein Punkt."));
   Select({point});
+  EndPick();
   waits_.Pick(points_.Record(point));
+}
+
+void MainWindow::StopPicking() {
+  EndPick();
+  waits_.Pick(0);
 }
 
 void MainWindow::PointChanged(std::int32_t number) {

@@ -91,6 +91,7 @@ class MainWindow : public QMainWindow, public Shell {
   void ShowFindBar();
   void Entered();
   void PickPoint(int point);
+  void StopPicking();
   void Select(const std::vector<int>& points);
   void FollowTable();
   void ApplyFilter();

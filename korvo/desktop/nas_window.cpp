@@ -105,7 +105,7 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   members_->setWordWrap(false);
   members_->horizontalHeader()->setStretchLastSection(true);
   const int digit = members_->fontMetrics().horizontalAdvance(QLatin1Char('0'));
-  constexpr int kCharacters[] = {11, 30, 20, 19, 18};
+  constexpr int kCharacters[] = {10, 29, 19, 18, 16};
   for (int i = 0; i < NasModel::kColumns; ++i) members_->setColumnWidth(i, kCharacters[i] * digit);
   members_->verticalHeader()->setDefaultSectionSize(members_->fontMetrics().height() + 6);
   text_ = new QPlainTextEdit;
@@ -125,14 +125,14 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   across->addWidget(groups_);
   across->addWidget(right);
   across->setStretchFactor(1, 1);
-  across->setSizes({270, 770});
+  across->setSizes({300, 880});
   across->setChildrenCollapsible(false);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(summary_);
   layout->addWidget(across, 1);
   layout->addWidget(buttons);
-  resize(1120, 720);
+  resize(1180, 740);
 
   std::map<std::pair<NasKind, int>, std::vector<std::size_t>> groups;
   std::vector<std::size_t> all(file_->members().size());
@@ -166,6 +166,7 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   connect(members_, &QAbstractItemView::activated, this, [this](const QModelIndex& index) {
     if (model_->PointAt(index.row()) >= 0) Q_EMIT PointChosen(model_->PointAt(index.row()));
   });
+  groups_->setMinimumWidth(std::min(groups_->sizeHintForColumn(0) + 24, 420));
   groups_->setCurrentRow(0);
   ShowSummary();
   members_->setFocus();

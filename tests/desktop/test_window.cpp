@@ -134,6 +134,20 @@ TEST_F(Window, OfASecondUserOnlyShows) {
   EXPECT_TRUE(Find<QAction>("command_6")->isEnabled());
 }
 
+TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
+  int closed = 0;
+  QObject::connect(&window_, &korvo::MainWindow::Closed, [&] { ++closed; });
+  QTimer::singleShot(100, [&] {
+    EXPECT_TRUE(Find("end_pick")->isVisible());
+    EXPECT_GE(window_.points().FindColumn("NE_WEPO"), 0);
+    window_.close();
+    EXPECT_TRUE(window_.isVisible()) << "not before the plug-in has ended";
+  });
+  Find<QAction>("command_6")->trigger();
+  EXPECT_FALSE(waits_.plugin_runs());
+  EXPECT_EQ(closed, 1);
+}
+
 TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
   TableFile table(support::HostColumns());
   table.Add({{"PT_NO", "weit weg"}, {"EAST", "1.5"}, {"NORTH", "2.5"}});

@@ -103,10 +103,12 @@ class Pilot {
     bool met = false;
   };
 
+  /// By a timer and an event: a loop that ends now ends between the two, so that the step finds what comes behind it.
   void Soon() {
-    QTimer::singleShot(0, [this, flight = flight_] {
+    const auto step = [this, flight = flight_] {
       if (flight == flight_) Step();
-    });
+    };
+    QTimer::singleShot(0, &main_, [this, step] { QMetaObject::invokeMethod(&main_, step, Qt::QueuedConnection); });
   }
 
   void Step() {
@@ -194,9 +196,11 @@ class Pilot {
   void LookAtSavedFile() {
     QWidget* const notice = main_.findChild<QWidget*>(QStringLiteral("file_notice"));
     if (!notice->isVisible()) return;
+    QApplication::processEvents();
     pictures_.Take(main_, QStringLiteral("Fenster Datei geschrieben"));
     QTest::mouseClick(notice->findChild<QPushButton*>(), Qt::LeftButton);
     auto* const nas = main_.findChild<korvo::NasWindow*>();
+    QApplication::processEvents();
     pictures_.Take(*nas, QStringLiteral("NAS-Datei"));
     pictures_.Take(main_, QStringLiteral("Fenster NAS-Datei"));
   }
