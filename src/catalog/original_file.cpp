@@ -66,11 +66,41 @@ std::optional<std::string> ElementName(std::string_view line) {
   return std::string(line.substr(before + 1, end - before - 1));
 }
 
-/// True where another object begins inside the block that the line belongs to.
-bool BeginsObject(std::string_view line) {
-  const std::string_view front = line.substr(0, line.find(kMemberEnd));
-  return Holds(front, "<AX_") && Holds(front, kIdTag);
+/// Whether the text names a class of the model, such as "<AX_Grenzpunkt".
+bool HoldsClass(std::string_view text) {
+  for (std::size_t at = text.find("<A"); at != std::string_view::npos; at = text.find("<A", at + 1)) {
+    if (at + 3 < text.size() && text[at + 2] >= 'A' && text[at + 2] <= 'Z' && text[at + 3] == '_') return true;
+  }
+  return false;
 }
+
+/// Whether a block's first line leaves the rest of the block to lines of its own: whatever else stood behind the
+/// identifier would be taken for the block's.
+bool OpensBlock(const LinePiece& first, std::string_view id_text) {
+  const std::string_view behind = first.text.substr(first.text.find(id_text) + id_text.size());
+  return first.ends_line && !Holds(behind, kMemberEnd) && !(HoldsClass(behind) && Holds(behind, kIdTag));
+}
+
+/// Watches the lines of a block for another object that begins in them. A line may come in many pieces.
+class BlockWatch {
+ public:
+  /// `seen` is what the search for values has left of the piece: an end behind a value is not seen.
+  bool BeginsObject(const LinePiece& piece, std::string_view seen) {
+    const std::string_view front = piece.text.substr(0, seen.find(kMemberEnd));
+    const std::string window = tail_.append(front);
+    has_class_ = has_class_ || HoldsClass(window);
+    has_id_ = has_id_ || Holds(window, kIdTag);
+    const bool begins = has_class_ && has_id_;
+    if (piece.ends_line) has_class_ = has_id_ = false;
+    tail_ = piece.ends_line ? std::string() : window.substr(window.size() - std::min(window.size(), kIdTag.size() - 1));
+    return begins;
+  }
+
+ private:
+  std::string tail_;  // of the line so far
+  bool has_class_ = false;
+  bool has_id_ = false;
+};
 
 // ---- the places of one object ----
 
@@ -236,10 +266,10 @@ class PlaceIndex {
 std::optional<std::string> ReadPosition(LineScan* lines, PointRecord* record, OriginalExtract* extract) {
   std::string owner;
   bool in_point = false;
+  BlockWatch watch;
   LinePiece piece;
   while (lines->Next(&piece)) {
     std::string_view line = piece.text;
-    if (BeginsObject(line)) return std::nullopt;
     if (extract != nullptr) {
       const std::string raw = std::string(line) + (piece.ends_line ? "\n" : "");
       const bool begins = !in_point && Holds(line, "<gml:Point");
@@ -266,6 +296,7 @@ std::optional<std::string> ReadPosition(LineScan* lines, PointRecord* record, Or
       if (const std::optional<std::string> value = TakeValue(&line))
         record->lzv = *value == "true" ? kLzvTrue : kLzvFalse;
     }
+    if (watch.BeginsObject(piece, line)) return std::nullopt;
     if (Holds(line, kMemberEnd)) break;
   }
   return owner;
@@ -273,15 +304,16 @@ std::optional<std::string> ReadPosition(LineScan* lines, PointRecord* record, Or
 
 /// Reads the owner's block behind its first line. False where another object begins in it.
 bool ReadOwner(LineScan* lines, PointRecord* record, char (&identifier)[kName], OriginalExtract* extract) {
+  BlockWatch watch;
   LinePiece piece;
   while (lines->Next(&piece)) {
     std::string_view line = piece.text;
-    if (BeginsObject(line)) return false;
     if (extract != nullptr) TakeText(&line, "beginnt", extract->object_beginnt);
     TakeText(&line, "<punktkennung", identifier);
     TakeNumber(&line, "<abmarkung_Marke>", &record->abm);
     TakeNumber(&line, "<vermarkung_Marke>", &record->abm);
     TakeNumber(&line, "<stelle>", &record->zst);
+    if (watch.BeginsObject(piece, line)) return false;
     if (Holds(line, kMemberEnd)) break;
   }
   return true;
@@ -342,7 +374,7 @@ std::unique_ptr<PointRecord> SearchIn(LineScan* lines, Finder finder, const char
   LinePiece piece;
   char position_name[kName], owner_name[kName], identifier[kName] = "";
   lines->Seek(position);
-  if (!lines->Next(&piece)) return nullptr;
+  if (!lines->Next(&piece) || !OpensBlock(piece, IdText(gml_id))) return nullptr;
   put(position_name, ElementName(piece.text).value_or("").c_str());
   const std::optional<std::string> owner = ReadPosition(lines, record.get(), extract);
   if (!owner || owner->empty() || my_sprintf(text, sizeof text, "gml:id=\"%s\"", owner->c_str()) == 0) return nullptr;
@@ -350,7 +382,7 @@ std::unique_ptr<PointRecord> SearchIn(LineScan* lines, Finder finder, const char
   const Places places = finder.Owner(*owner);
   if (places.object == kNowhere) return nullptr;
   lines->Seek(places.object);
-  if (!lines->Next(&piece)) return nullptr;
+  if (!lines->Next(&piece) || !OpensBlock(piece, IdText(*owner))) return nullptr;
   put(owner_name, ElementName(piece.text).value_or("").c_str());
   if (!ReadOwner(lines, record.get(), identifier, extract)) return nullptr;
   std::string further;

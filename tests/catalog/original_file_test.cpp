@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <random>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -55,15 +56,21 @@ std::size_t FindId(const std::vector<std::string>& lines, const std::string& id)
   return at;
 }
 
-/// Reads the values behind the tags, in their order, and the lines of the point. False where another object begins.
-bool ReadBlock(const std::vector<std::string>& lines, std::size_t at, std::string* point,
+bool HoldsObject(const std::string& text) {
+  return Holds(text, "gml:id=\"") && std::regex_search(text, std::regex("<A[A-Z]_"));
+}
+
+/// Reads the values behind the tags, in their order, and the lines of the point. False where another object shares the
+/// block, or the first line more than its start.
+bool ReadBlock(const std::vector<std::string>& lines, std::size_t at, const std::string& id, std::string* point,
                const std::vector<std::pair<std::string_view, std::string*>>& tags) {
   bool in_point = false, more = at < lines.size();
   if (!more) return false;
+  std::string whole = lines[at].substr(lines[at].find("gml:id=\"" + id + "\"") + id.size() + 9);
+  if (!whole.ends_with("\n") || Holds(whole, kEnd) || HoldsObject(whole)) return false;
   while (more && ++at < lines.size()) {
+    if (whole.ends_with("\n")) whole.clear();
     std::string line = lines[at];
-    const std::string_view front = std::string_view(line).substr(0, line.find(kEnd));
-    if (Holds(front, "<AX_") && Holds(front, "gml:id=\"")) return false;
     if (!in_point && Holds(line, "<gml:Point")) {
       point->clear();
       in_point = true;
@@ -80,6 +87,8 @@ bool ReadBlock(const std::vector<std::string>& lines, std::size_t at, std::strin
       }
     }
     more = !Holds(line, kEnd);
+    whole += lines[at].substr(0, line.find(kEnd));
+    if (HoldsObject(whole)) return false;
   }
   return true;
 }
@@ -110,7 +119,7 @@ bool SearchPlainly(const std::vector<std::string>& lines, const std::string& id,
   std::string abm = "-1", zst = abm, kst = abm, hin = abm, her = abm, gst = abm, lzv = "none";
   std::string owner, pkn, point, unused, position_begin, object_begin;
   const std::size_t position = FindId(lines, id);
-  const bool read = ReadBlock(lines, position, &point,
+  const bool read = ReadBlock(lines, position, id, &point,
                               {{"beginnt", with_extract ? &position_begin : nullptr},
                                {"<istTeilVon xlink:href=\"urn:adv:oid:", &owner},
                                {"<genauigkeitsstufe>", &gst},
@@ -119,7 +128,7 @@ bool SearchPlainly(const std::vector<std::string>& lines, const std::string& id,
                                {"<AX_Datenerhebung_Punktort>", &her},
                                {"<lagezuverlaessigkeit>", &lzv}});
   const std::size_t object = read ? FindId(lines, owner) : lines.size();
-  const bool found = ReadBlock(lines, object, &unused,
+  const bool found = ReadBlock(lines, object, owner, &unused,
                                {{"beginnt", with_extract ? &object_begin : nullptr},
                                 {"<punktkennung", &pkn},
                                 {"<abmarkung_Marke>", &abm},
@@ -167,8 +176,8 @@ std::string RandomFile(unsigned seed) {
   for (std::size_t lines = below(70); lines > 0; --lines) {
     const std::string id = kIds[below(below(8) == 0 ? std::size(kIds) : 5)];
     const std::string value = ">" + std::to_string(below(3000)) + "</";
-    const std::string name =
-        one_of({"AX_Grenzpunkt", "AX_Haus", "AX_PunktortTA", "AX_PunktortAU_PunktortTA", "AX_PunktortAG_PunktortAU"});
+    const std::string name = one_of({"AX_Grenzpunkt", "AX_Haus", "AX_PunktortTA", "AX_PunktortAU_PunktortTA",
+                                     "AX_PunktortAG_PunktortAU", "AP_PTO"});
     const std::string start = "<" + name + " gml:id=\"" + id + "\">";
     const std::string inner =
         one_of({"<beginnt" + value, "<genauigkeitsstufe" + value, "<hinweise" + value, "<koordinatenstatus" + value,
@@ -227,6 +236,20 @@ TEST(OriginalFile, FindsWhatAPlainSearchFinds) {
   }
   EXPECT_GT(found, 400);
   EXPECT_GT(further, 200);
+}
+
+TEST(OriginalFile, SeesAnotherObjectAcrossTheCutOfALine) {
+  const support::TempFolder folder;
+  const std::string start = "<AX_Grenzpunkt gml:id=\"A\">\n</wfs:member>\n<AX_PunktortTA gml:id=\"P\">\n" + PartOf("A");
+  for (std::size_t shift = 0; shift < 30; ++shift) {
+    const std::string other =
+        std::string(1998 - shift, ' ') + "<AX_PunktortTA gml:id=\"Q\">\n<hinweise>1</x>\n</wfs:member>";
+    const auto search = [&](const std::string& file) {
+      return SearchOriginalFile(folder.Write("o.xml", file), "P", nullptr);
+    };
+    EXPECT_NE(search(start + "\n</wfs:member>\n" + other), nullptr);
+    EXPECT_EQ(search(start + "\n" + other), nullptr) << shift;
+  }
 }
 
 }  // namespace
