@@ -141,7 +141,7 @@ class Pilot {
     const bool asks_to_overwrite = qobject_cast<QFileDialog*>(box.parentWidget()) != nullptr;
     if (!asks_to_overwrite) terminal_.MeetBox(korvo::ToAnsi(box.windowTitle()), korvo::ToAnsi(box.text()));
     pictures_.Take(box, QStringLiteral("Meldung ") + box.windowTitle() + QChar(u' ') + box.text().left(kNamed));
-    const std::string word = *terminal_.Ask("> ");
+    const std::string word = terminal_.Ask("> ").value_or(std::string());
     const QMessageBox::StandardButton meant = word == "ja"     ? QMessageBox::Yes
                                               : word == "nein" ? QMessageBox::No
                                               : word == "ok"   ? QMessageBox::Ok
