@@ -5,7 +5,6 @@
 #include "base/failure.h"
 #include "entry/guard.h"
 #include "platform/system.h"
-#include "tests/support/fault_leaks.h"
 #include "tests/support/scripted_desktop.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,31 +1,20 @@
 // A machine fault destroys nothing on its way out. While this lives, the leak checker does not count what is allocated.
 #pragma once
 
-#if defined(__SANITIZE_ADDRESS__)
-#define PKTAUS_ADDRESS_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PKTAUS_ADDRESS_SANITIZER
-#endif
-#endif
-
-#ifdef PKTAUS_ADDRESS_SANITIZER
-#include <sanitizer/lsan_interface.h>
-#endif
+// The leak checker's own, where the program has one.
+extern "C" __attribute__((weak)) void __lsan_disable();
+extern "C" __attribute__((weak)) void __lsan_enable();
 
 namespace support {
 
 class FaultLeaks {
  public:
-#ifdef PKTAUS_ADDRESS_SANITIZER
-  FaultLeaks() { __lsan_disable(); }
-  ~FaultLeaks() { __lsan_enable(); }
-#else
-  FaultLeaks() {}
-  ~FaultLeaks() {}
-#endif
-  FaultLeaks(const FaultLeaks&) = delete;
-  FaultLeaks& operator=(const FaultLeaks&) = delete;
+  FaultLeaks() {
+    if (__lsan_disable != nullptr) __lsan_disable();
+  }
+  ~FaultLeaks() {
+    if (__lsan_enable != nullptr) __lsan_enable();
+  }
 };
 
 }  // namespace support

@@ -3,8 +3,6 @@
 
 #include <cerrno>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "platform/file.h"
 
@@ -21,61 +19,42 @@ class FaultyFiles : public platform::FileSystem {
 
   int calls() const { return calls_; }
 
-  int Open(const std::string& path, platform::OpenMode mode) override {
-    return Fails("Open") ? -1 : real_.Open(path, mode);
-  }
-  int Duplicate(int file) override { return Fails("Duplicate") ? -1 : real_.Duplicate(file); }
+  // Each call by its result, name, parameters and arguments, and what it gives when it fails.
+#define SUPPORT_FAULTY(Result, Name, parameters, arguments, failure) \
+  Result Name parameters override { return Fails(#Name) ? failure : real_.Name arguments; }
+  SUPPORT_FAULTY(int, Open, (const std::string& path, platform::OpenMode mode), (path, mode), -1)
+  SUPPORT_FAULTY(int, Duplicate, (int file), (file), -1)
+  SUPPORT_FAULTY(std::int64_t, Read, (int file, void* to, std::size_t size), (file, to, size), -1)
+  SUPPORT_FAULTY(std::int64_t, ReadAt, (int file, void* to, std::size_t n, std::uint64_t at), (file, to, n, at), -1)
+  SUPPORT_FAULTY(std::int64_t, WriteAt, (int f, const void* of, std::size_t n, std::uint64_t at), (f, of, n, at), -1)
+  SUPPORT_FAULTY(bool, Seek, (int file, std::uint64_t offset), (file, offset), false)
+  SUPPORT_FAULTY(bool, Truncate, (int file, std::uint64_t size), (file, size), false)
+  SUPPORT_FAULTY(bool, Sync, (int file), (file), false)
+  SUPPORT_FAULTY(bool, Facts, (int file, platform::FileFacts* facts), (file, facts), false)
+  SUPPORT_FAULTY(bool, SetMode, (int file, std::uint32_t mode), (file, mode), false)
+  SUPPORT_FAULTY(bool, SetOwner, (int file, std::uint32_t user, std::uint32_t group), (file, user, group), false)
+  SUPPORT_FAULTY(bool, PathFacts, (const std::string& path, platform::FileFacts* facts), (path, facts), false)
+  SUPPORT_FAULTY(bool, RealPath, (const std::string& path, std::string* real), (path, real), false)
+  SUPPORT_FAULTY(bool, Rename, (const std::string& from, const std::string& to), (from, to), false)
+  SUPPORT_FAULTY(bool, Remove, (const std::string& path), (path), false)
+  SUPPORT_FAULTY(bool, SyncFolder, (const std::string& path), (path), false)
+  SUPPORT_FAULTY(bool, FreeSpace, (const std::string& path, std::uint64_t* bytes), (path, bytes), false)
+  SUPPORT_FAULTY(bool, List, (const std::string& path, std::vector<std::string>* names), (path, names), false)
+  SUPPORT_FAULTY(bool, TryLock, (int file), (file), false)
+#undef SUPPORT_FAULTY
   // A close that fails has closed all the same, as the system's own.
   bool Close(int file) override {
-    const bool fails = Fails("Close");
-    const int error = errno;
     const bool closed = real_.Close(file);
-    if (fails) errno = error;
-    return closed && !fails;
-  }
-  std::int64_t Read(int file, void* data, std::size_t size) override {
-    return Fails("Read") ? -1 : real_.Read(file, data, size);
+    return !Fails("Close") && closed;
   }
   // A write that fails has moved some of the bytes, as on a disk that is full.
   std::int64_t Write(int file, const void* data, std::size_t size) override {
-    if (!Fails("Write")) return real_.Write(file, data, size);
+    const bool fails = Fails("Write");
     const int error = errno;
-    real_.Write(file, data, size / 2);
-    errno = error;
-    return -1;
+    const std::int64_t moved = real_.Write(file, data, fails ? size / 2 : size);
+    if (fails) errno = error;
+    return fails ? -1 : moved;
   }
-  std::int64_t ReadAt(int file, void* data, std::size_t size, std::uint64_t offset) override {
-    return Fails("ReadAt") ? -1 : real_.ReadAt(file, data, size, offset);
-  }
-  std::int64_t WriteAt(int file, const void* data, std::size_t size, std::uint64_t offset) override {
-    return Fails("WriteAt") ? -1 : real_.WriteAt(file, data, size, offset);
-  }
-  bool Seek(int file, std::uint64_t offset) override { return !Fails("Seek") && real_.Seek(file, offset); }
-  bool Truncate(int file, std::uint64_t size) override { return !Fails("Truncate") && real_.Truncate(file, size); }
-  bool Sync(int file) override { return !Fails("Sync") && real_.Sync(file); }
-  bool Facts(int file, platform::FileFacts* facts) override { return !Fails("Facts") && real_.Facts(file, facts); }
-  bool SetMode(int file, std::uint32_t mode) override { return !Fails("SetMode") && real_.SetMode(file, mode); }
-  bool SetOwner(int file, std::uint32_t owner, std::uint32_t group) override {
-    return !Fails("SetOwner") && real_.SetOwner(file, owner, group);
-  }
-  bool PathFacts(const std::string& path, platform::FileFacts* facts) override {
-    return !Fails("PathFacts") && real_.PathFacts(path, facts);
-  }
-  bool RealPath(const std::string& path, std::string* real) override {
-    return !Fails("RealPath") && real_.RealPath(path, real);
-  }
-  bool Rename(const std::string& from, const std::string& to) override {
-    return !Fails("Rename") && real_.Rename(from, to);
-  }
-  bool Remove(const std::string& path) override { return !Fails("Remove") && real_.Remove(path); }
-  bool SyncFolder(const std::string& path) override { return !Fails("SyncFolder") && real_.SyncFolder(path); }
-  bool FreeSpace(const std::string& path, std::uint64_t* bytes) override {
-    return !Fails("FreeSpace") && real_.FreeSpace(path, bytes);
-  }
-  bool List(const std::string& path, std::vector<std::string>* names) override {
-    return !Fails("List") && real_.List(path, names);
-  }
-  bool TryLock(int file) override { return !Fails("TryLock") && real_.TryLock(file); }
 
  private:
   bool Fails(const char* name) {

@@ -1,11 +1,8 @@
 // A project of the host's stand-in around one point table, open for a block.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "korvo/host/project.h"
 #include "tests/support/table_file.h"
-#include "tests/support/temp_folder.h"
 
 namespace support {
 
@@ -16,11 +13,7 @@ class OpenProject {
     EXPECT_TRUE(opened.open) << opened.refusal;
   }
   ~OpenProject() { korvo::CloseProject(); }
-  OpenProject(const OpenProject&) = delete;
-  OpenProject& operator=(const OpenProject&) = delete;
 
-  const TempFolder& folder() const { return folder_; }
-  const std::string& table_path() const { return path_; }
   /// Full width of a column on disk.
   std::string Field(std::size_t record, std::string_view column) const { return table_.FieldIn(path_, record, column); }
 

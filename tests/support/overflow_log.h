@@ -10,20 +10,17 @@ namespace support {
 
 class OverflowLog {
  public:
-  OverflowLog() : before_(pktaus::SetOverflowReport(&Report)) { texts().clear(); }
+  OverflowLog() { all_.clear(); }
   ~OverflowLog() { pktaus::SetOverflowReport(before_); }
-  OverflowLog(const OverflowLog&) = delete;
-  OverflowLog& operator=(const OverflowLog&) = delete;
 
   /// Texts of the reports so far; one log at a time.
-  static std::vector<std::string>& texts() {
-    static std::vector<std::string> all;
-    return all;
-  }
+  const std::vector<std::string>& texts() const { return all_; }
 
  private:
-  static void Report(const char*, const char* text) { texts().emplace_back(text); }
-  pktaus::OverflowReport before_;
+  static void Report(const char*, const char* text) { all_.emplace_back(text); }
+
+  inline static std::vector<std::string> all_;
+  pktaus::OverflowReport before_ = pktaus::SetOverflowReport(&Report);
 };
 
 }  // namespace support

@@ -1,12 +1,11 @@
 // A desktop that a test plays: it answers boxes and pickers as told and hands dialogs to the test.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "entry/host/host.h"
 #include "toolkit/desktop.h"
@@ -17,8 +16,7 @@ namespace support {
 class ScriptedDesktop : public toolkit::Desktop {
  public:
   struct Box {
-    std::string text;
-    std::string title;
+    std::string text, title;
     unsigned flags = 0;
     bool operator==(const Box&) const = default;
   };
@@ -40,14 +38,6 @@ class ScriptedDesktop : public toolkit::Desktop {
   /// Windows of the desktop, and what FindWindow gives for a class and a title.
   std::vector<toolkit::WindowInfo> windows;
 
-  /// Takes the first of what is to come.
-  template <typename T>
-  static T Next(std::deque<T>* queue) {
-    T next = std::move(queue->front());
-    queue->pop_front();
-    return next;
-  }
-
   void Run(toolkit::Dialog& dialog, toolkit::Window) override {
     dialogs.push_back(dialog.number());
     if (!persons.empty()) Next (&persons)(dialog);
@@ -59,22 +49,27 @@ class ScriptedDesktop : public toolkit::Desktop {
   }
   bool PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) override {
     picks.push_back(pick);
-    if (!NextPath(path)) return false;
     *filter = 0;
-    return true;
+    return NextPath(path);
   }
   bool PickFolder(const std::string&, toolkit::Window, std::string* path) override { return NextPath(path); }
   std::vector<toolkit::WindowInfo> TopLevelWindows() override { return windows; }
-  toolkit::Window FindWindow(const std::string& class_name, const std::string& title) override {
-    for (const toolkit::WindowInfo& info : windows) {
-      if (info.class_name == class_name && info.title == title) return info.window;
-    }
-    return 0;
+  toolkit::Window FindWindow(const std::string& kind, const std::string& title) override {
+    const auto fits = [&](const auto& info) { return info.class_name == kind && info.title == title; };
+    const auto found = std::find_if(windows.begin(), windows.end(), fits);
+    return found == windows.end() ? 0 : found->window;
   }
   toolkit::Window ForegroundWindow() override { return 0; }
   const platform::Clock& Clock() override { return platform::CurrentClock(); }
 
  private:
+  /// Takes the first of what is to come.
+  template <typename T>
+  static T Next(std::deque<T>* queue) {
+    T next = std::move(queue->front());
+    queue->pop_front();
+    return next;
+  }
   bool NextPath(std::string* path) {
     const std::optional<std::string> next = paths.empty() ? std::nullopt : Next(&paths);
     if (next) *path = *next;

@@ -6,22 +6,15 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
-#include <string>
-#include <string_view>
 
 namespace support {
 
 class TempFolder {
  public:
-  TempFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "pktaus_XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
-    EXPECT_FALSE(path_.empty());
-  }
+  TempFolder() { EXPECT_NE(mkdtemp(path_.data()), nullptr); }
   ~TempFolder() {
     std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(path_, ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
@@ -35,15 +28,13 @@ class TempFolder {
   }
 
  private:
-  std::string path_;
+  std::string path_ = (std::filesystem::temp_directory_path() / "pktaus_XXXXXX").string();
 };
 
 /// All bytes of a file; empty where it cannot be read.
 inline std::string BytesOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << file.rdbuf();
-  return bytes.str();
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace support
