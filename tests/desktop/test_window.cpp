@@ -154,7 +154,7 @@ TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
   for (int i = 1; i < 100'000; ++i) {
     table.Add({{"PT_NO", std::to_string(i)},
                {"EAST", std::to_string(640000 + i * 7919 % 10007)},
-               {"NORTH", std::to_string(5650000 + i * 104729 % 9973)}});
+               {"NORTH", std::to_string(5650000 + i * 104729LL % 9973)}});
   }
   folder_.Write("punkte.dbf", table.Bytes());
   window_.Open(QString::fromStdString(path_));
