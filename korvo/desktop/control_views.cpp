@@ -30,7 +30,8 @@ namespace {
 using toolkit::Kind;
 
 constexpr qsizetype kLongestLine = 500;
-constexpr int kShortestChoice = 24;
+constexpr int kShortestChoice = 16;
+constexpr int kShortestEdit = 16;
 constexpr int kVisibleRows = 12;
 
 QString NameOf(toolkit::ControlId id) { return QString::number(id); }
@@ -54,6 +55,7 @@ class EditView : public ControlView {
       : ControlView(field), field_(field), edit_(new QLineEdit(parent)) {
     SetWidget(edit_);
     AddLabel(parent);
+    edit_->setMinimumWidth(edit_->fontMetrics().horizontalAdvance(QChar(u'0')) * kShortestEdit);
     if (field.form == toolkit::TextField::Form::kReadOnly) {
       edit_->setReadOnly(true);
       QPalette palette = edit_->palette();
@@ -142,7 +144,11 @@ class ButtonView : public ControlView {
   bool IsWide() const override { return false; }
 
  protected:
-  void ShowCaption(const QString& marked) override { button_->setText(marked); }
+  void ShowCaption(const QString& marked) override {
+    button_->setText(marked);
+    // A single sign needs no more than a square.
+    if (control().label().size() == 1) button_->setMaximumWidth(button_->sizeHint().height());
+  }
   void ShowContents() override {}
 
  private:
@@ -367,6 +373,7 @@ class TickListView : public ControlView {
     view_->setUniformItemSizes(true);
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view_->setModel(model_);
+    view_->setSpacing(1);
     view_->setMinimumHeight(view_->fontMetrics().height() * (kVisibleRows / 2));
     QObject::connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, view_,
                      [this, send, id = list.id()] {

@@ -19,6 +19,8 @@ namespace {
 
 // A label and its field, twice.
 constexpr int kColumns = 4;
+/// Wide enough for most of the long names that catalogues have.
+constexpr int kUsualWidth = 680;
 
 bool IsButton(const ControlView& view) { return view.control().kind() == Kind::kButton; }
 
@@ -91,8 +93,9 @@ DialogWindow::DialogWindow(toolkit::Dialog& dialog, Waits& waits, QWidget* paren
   SetTabOrder();
   FocusFirst();
   adjustSize();
-  const QSize size = Remembered().value(SizeKey()).toSize();
-  if (size.isValid()) resize(size.expandedTo(minimumSizeHint()));
+  resize(size().expandedTo({kUsualWidth, 0}));
+  const QSize remembered = Remembered().value(SizeKey()).toSize();
+  if (remembered.isValid()) resize(remembered.expandedTo(minimumSizeHint()));
 }
 
 DialogWindow::~DialogWindow() { Remembered().setValue(SizeKey(), size()); }
