@@ -32,6 +32,7 @@ constexpr const char* kOtherClass = "Dialog";
 /// Longer texts of a box would make it larger than the screen; they can be unfolded.
 constexpr qsizetype kLongestText = 1500;
 constexpr qsizetype kMostLines = 30;
+constexpr QSize kPickerSize(860, 520);  // with dates that can be read
 
 toolkit::Window HandleOf(const QWidget* widget) { return reinterpret_cast<toolkit::Window>(widget); }
 
@@ -199,6 +200,7 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
   if (icons_ == nullptr) icons_ = std::make_unique<PlainIcons>();
   picker->setIconProvider(icons_.get());
   picker->setWindowModality(Qt::ApplicationModal);
+  picker->resize(kPickerSize);
   for (;;) {
     {
       Waits::Wait wait(waits_, [&] { picker->reject(); });
