@@ -250,7 +250,7 @@ void MainWindow::BuildActions() {
   commands_menu_ = menuBar()->addMenu(QString());
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("&Ansicht"));
-  QAction* all = action(view, QStringLiteral("&Alle Punkte zeigen"), QKeySequence(QStringLiteral("Ctrl+0")),
+  QAction* all = action(view, QStringLiteral("&Alles zeigen"), QKeySequence(QStringLiteral("Ctrl+0")),
                         [this] { map_->ShowAll(); });
   const auto middle = [this] { return QRectF(map_->rect()).center(); };
   action(view, QStringLiteral("&Vergrößern"), QKeySequence::ZoomIn, [this, middle] { map_->Zoom(1.5, middle()); });
@@ -282,7 +282,7 @@ void MainWindow::BuildActions() {
   open->setIcon(style()->standardIcon(QStyle::SP_DialogOpenButton));
   open->setIconText(QStringLiteral("Öffnen"));
   reload_->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
-  all->setIconText(QStringLiteral("Alle Punkte"));
+  all->setIconText(QStringLiteral("Alles zeigen"));
   for (QAction* shown : {open, reload_, all}) bar->addAction(shown);
   commands_bar_ = addToolBar(QStringLiteral("Modul"));
   commands_bar_->setObjectName(QStringLiteral("commands_bar"));

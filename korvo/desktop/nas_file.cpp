@@ -204,8 +204,9 @@ QString NasFile::TextOf(const NasMember& member) const {
 }
 
 std::vector<int> PointsOf(const NasFile& file, const PointSet& points) {
+  using Index = QHash<QString, int>;
   const auto index = [&points](int column) {
-    QHash<QString, int> found;
+    Index found;
     if (column < 0) return found;
     for (int i = points.count() - 1; i >= 0; --i) {
       const QString value = FromAnsi(points.Field(i, column)).trimmed();
@@ -213,19 +214,26 @@ std::vector<int> PointsOf(const NasFile& file, const PointSet& points) {
     }
     return found;
   };
-  const QHash<QString, int> by_key = index(points.FindColumn("NE_PKN"));
-  const QHash<QString, int> by_object = index(points.FindColumn("NE_OBGID"));
-  const QHash<QString, int> by_position = index(points.FindColumn("GMLID"));
-  const QHash<QString, int> by_number = index(points.number_column());
+  const Index by_key = index(points.FindColumn("NE_PKN"));
+  const Index by_object = index(points.FindColumn("NE_OBGID"));
+  Index by_position = index(points.FindColumn("GMLID"));
+  const Index by_number = index(points.number_column());
+  // Further positions of a point: pairs of class and identifier, a bar behind each.
+  const Index further = index(points.FindColumn("NE_WEPO"));
+  for (auto at = further.begin(); at != further.end(); ++at) {
+    const QStringList parts = at.key().split(QLatin1Char('|'));
+    for (qsizetype i = 1; i < parts.size(); i += 2) by_position.insert(parts[i], at.value());
+  }
 
   std::vector<int> found(file.members().size(), -1);
-  QHash<QString, int> by_owner;
+  Index by_owner;
   for (std::size_t i = 0; i < found.size(); ++i) {
     const NasMember& member = file.members()[i];
     const QString key = member.point_key.trimmed();
-    for (const auto& [map, value] : {std::pair(&by_key, key), std::pair(&by_object, member.id),
-                                     std::pair(&by_position, member.id), std::pair(&by_number, key)}) {
-      if (found[i] < 0 && !value.isEmpty()) found[i] = map->value(value, -1);
+    using Key = std::pair<const Index*, const QString*>;
+    for (const auto& [map, value] :
+         {Key(&by_key, &key), Key(&by_object, &member.id), Key(&by_position, &member.id), Key(&by_number, &key)}) {
+      if (found[i] < 0 && !value->isEmpty()) found[i] = map->value(*value, -1);
     }
     if (found[i] >= 0 && !member.id.isEmpty()) by_owner.insert(member.id, found[i]);
   }

@@ -32,7 +32,11 @@ class Window : public testing::Test {
     TableFile table(columns);
     table.Add({{"PT_NO", "1001"}, {"EAST", "649900.000"}, {"NORTH", "5651000.0"}, {"REM", "a\nb\r\x01 <b>&x"}});
     table.Add({{"PT_NO", "1002"}, {"EAST", "649950.000"}, {"NORTH", "5651000.0"}}, true);
-    table.Add({{"PT_NO", "1003"}, {"EAST", "32649910.0"}, {"NORTH", "5651010.0"}, {"GMLID", "DEPOS"}});
+    table.Add({{"PT_NO", "1003"},
+               {"EAST", "32649910.0"},
+               {"NORTH", "5651010.0"},
+               {"GMLID", "DEPOS"},
+               {"NE_WEPO", "AX_PunktortAU|DEAU1|AX_PunktortAU|DEAU2|"}});
     table.Add({{"PT_NO", "   7"}, {"EAST", "649920.000"}, {"NORTH", "5651000.0"}, {"NE_PO", "1"}, {"NE_AKTION", "2"}});
     path_ = folder_.Write("punkte.dbf", table.Bytes());
     korvo::SetFrontEnd(&front_end_);
@@ -179,13 +183,14 @@ TEST_F(Window, MarksThePointsOfANasFileInAnyEncoding) {
       "\t\t<wfs:Insert>\n\t\t\t<AX_Grenzpunkt gml:id=\"DE1\"><punktkennung>1001</punktkennung>ü</AX_Grenzpunkt>"
       "</wfs:Insert><wfs:Insert><AX_PunktortTA gml:id=\"DE2\"><istTeilVon xlink:href=\"urn:adv:oid:DE1\"/>"
       "</AX_PunktortTA></wfs:Insert>\n\t\t<wfs:Delete typeName=\"AX_PunktortTA\"><fes:Filter>"
-      "<fes:ResourceId rid=\"DEPOS20160302T090503Z\"/></fes:Filter></wfs:Delete>\n\t</wfs:Transaction></A>";
+      "<fes:ResourceId rid=\"DEPOS20160302T090503Z\"/></fes:Filter></wfs:Delete><wfs:Delete typeName=\"AX_PunktortAU\">"
+      "<fes:ResourceId rid=\"DEAU2\"/></wfs:Delete>\n\t</wfs:Transaction></A>";
   for (const std::string& bytes : {text, text::FromUtf8(text).value(), "\xEF\xBB\xBF" + text}) {
     korvo::NasFile file;
     QString why;
     ASSERT_TRUE(file.Read(QString::fromStdString(folder_.Write("a.xml", bytes)), &why));
     EXPECT_EQ(file.trouble(), QString());
-    EXPECT_EQ(korvo::PointsOf(file, window_.points()), (std::vector<int>{0, 0, 1}));
+    EXPECT_EQ(korvo::PointsOf(file, window_.points()), (std::vector<int>{0, 0, 1, 1}));
     for (const korvo::NasMember& member : file.members()) {
       const QString shown = file.TextOf(member);
       EXPECT_TRUE(shown.startsWith(QStringLiteral("<wfs:")) && shown.endsWith(QChar(u'>'))) << shown.toStdString();

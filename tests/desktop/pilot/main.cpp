@@ -51,7 +51,7 @@ class Pictures {
 
   void Take(QWidget& window, const QString& name) const {
     if (folder_.isEmpty()) return;
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    for (int round = 0; round < 3; ++round) QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     static const QRegularExpression others(QStringLiteral("\\W+"), QRegularExpression::UseUnicodePropertiesOption);
     const QString file = QString(name).replace(others, QStringLiteral("_"));
     if (!window.grab().save(folder_ + QChar(u'/') + file + QStringLiteral(".png"))) std::perror("korvo-pilot");
@@ -87,7 +87,6 @@ class Pilot {
       ++flight_;
     }
     terminal_.EndOfScript();
-    LookAtSavedFile();
   }
 
  private:
@@ -171,6 +170,7 @@ class Pilot {
   void InMenu() {
     const korvo::Menu& menu = *korvo::FindMenu("PKTAUMEN");
     terminal_.Say("--- " + menu.title + " ---");
+    LookAtSavedFile();
     pictures_.Take(main_, QStringLiteral("Fenster Menü"));
     const int number = korvo::ToNumber(*terminal_.Ask("Menü> "_ansi)).value_or(-1);
     QAction* const entry = Entry(number);
@@ -193,16 +193,18 @@ class Pilot {
     QTest::keyClick(number, Qt::Key_Return);
   }
 
+  /// Takes up the window's offer to look into the file that was written.
   void LookAtSavedFile() {
     QWidget* const notice = main_.findChild<QWidget*>(QStringLiteral("file_notice"));
     if (!notice->isVisible()) return;
-    QApplication::processEvents();
     pictures_.Take(main_, QStringLiteral("Fenster Datei geschrieben"));
     QTest::mouseClick(notice->findChild<QPushButton*>(), Qt::LeftButton);
     auto* const nas = main_.findChild<korvo::NasWindow*>();
-    QApplication::processEvents();
-    pictures_.Take(*nas, QStringLiteral("NAS-Datei"));
-    pictures_.Take(main_, QStringLiteral("Fenster NAS-Datei"));
+    if (nas == nullptr) return terminal_.Refuse("Die Datei wird nicht gezeigt.");
+    pictures_.Take(*nas, nas->windowTitle());
+    pictures_.Take(main_, QStringLiteral("Fenster ") + nas->windowTitle());
+    nas->close();
+    delete nas;
   }
 
   korvo::Terminal& terminal_;
