@@ -5,8 +5,10 @@
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeView>
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -201,6 +203,9 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
   picker->setIconProvider(icons_.get());
   picker->setWindowModality(Qt::ApplicationModal);
   picker->resize(kPickerSize);
+  for (const QTreeView* files : picker->findChildren<QTreeView*>()) {
+    files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  }
   for (;;) {
     {
       Waits::Wait wait(waits_, [&] { picker->reject(); });

@@ -186,15 +186,16 @@ void NasWindow::PointsRead() {
 }
 
 void NasWindow::ShowSummary() {
+  const std::vector<int>& points = model_->points();
   QString text = QStringLiteral(
-                     "%1\n%2 Objekte, davon mit Punkten des Projekts: %3. Diese %4 Punkte sind in der Karte "
+                     "%1 Objekte, davon mit Punkten des Projekts: %2. Diese %3 Punkte sind in der Karte "
                      "violett umringt.")
-                     .arg(file_->path())
                      .arg(file_->members().size())
-                     .arg(std::count_if(model_->points().begin(), model_->points().end(), [](int p) { return p >= 0; }))
+                     .arg(std::count_if(points.begin(), points.end(), [](int point) { return point >= 0; }))
                      .arg(Points().size());
   if (!file_->trouble().isEmpty()) text += QLatin1Char('\n') + file_->trouble();
   summary_->setText(text);
+  summary_->setToolTip(file_->path().toHtmlEscaped());
 }
 
 void NasWindow::ShowMember(int row) {
