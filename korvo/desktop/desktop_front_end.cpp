@@ -47,15 +47,15 @@ QWidget* WidgetOf(toolkit::Window window) {
 }
 
 struct BoxButton {
-  QMessageBox::StandardButton button;
   const char16_t* caption;
+  QMessageBox::StandardButton button;
   int answer;
 };
 constexpr BoxButton kBoxButtons[] = {
-    {QMessageBox::Ok, u"OK", toolkit::kAnswerOk},
-    {QMessageBox::Yes, u"&Ja", toolkit::kAnswerYes},
-    {QMessageBox::No, u"&Nein", toolkit::kAnswerNo},
-    {QMessageBox::Cancel, u"Abbrechen", toolkit::kAnswerCancel},
+    {u"OK", QMessageBox::Ok, toolkit::kAnswerOk},
+    {u"&Ja", QMessageBox::Yes, toolkit::kAnswerYes},
+    {u"&Nein", QMessageBox::No, toolkit::kAnswerNo},
+    {u"Abbrechen", QMessageBox::Cancel, toolkit::kAnswerCancel},
 };
 
 QMessageBox::StandardButtons ButtonsOf(unsigned flags) {
@@ -110,7 +110,7 @@ class PlainIcons : public QFileIconProvider {
 QString FolderKey() { return QStringLiteral("ordner/letzter"); }
 
 QString LastFolder() {
-  const QString folder = Remembered().value(FolderKey()).toString();
+  QString folder = Remembered().value(FolderKey()).toString();
   if (!folder.isEmpty() && QDir(folder).exists()) return folder;
   return QString::fromStdString(path::ToDisk(ProjectFolder()));
 }

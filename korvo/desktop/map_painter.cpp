@@ -41,6 +41,7 @@ std::vector<double> GridValues(double from, double to, double step) {
   std::vector<double> values;
   const double first = std::ceil(from / step);
   const int count = static_cast<int>(std::floor(to / step) - first) + 1;
+  values.reserve(static_cast<std::size_t>(std::max(count, 0)));
   for (int i = 0; i < count; ++i) values.push_back((first + i) * step);
   return values;
 }

@@ -1,10 +1,17 @@
 #include "korvo/desktop/shell.h"
 
-#include <QMetaObject>
 #include <cstdio>
 #include <utility>
 
 namespace korvo {
+
+Waits::Waits() {
+  soon_.setSingleShot(true);
+  soon_.setInterval(0);
+  QObject::connect(&soon_, &QTimer::timeout, &soon_, [this] {
+    if (leaving_ && !open_.empty()) open_.back()->cancel_();
+  });
+}
 
 Waits::Wait::Wait(Waits& waits, std::function<void()> cancel)
     : waits_(waits), cancel_(std::move(cancel)), hosts_handlers_(waits.hosts_) {
@@ -13,12 +20,12 @@ Waits::Wait::Wait(Waits& waits, std::function<void()> cancel)
 
 Waits::Wait::~Wait() {
   std::erase(waits_.open_, this);
-  if (waits_.leaving_) waits_.LeaveSoon();
+  if (waits_.leaving_) waits_.soon_.start();
 }
 
 void Waits::Wait::Run() {
   if (!stopped_) {
-    if (waits_.leaving_) waits_.LeaveSoon();
+    if (waits_.leaving_) waits_.soon_.start();
     loop_.exec();
     if (!stopped_) cancel_();
   }
@@ -54,14 +61,7 @@ void Waits::Pick(std::int32_t record) {
 void Waits::Leave() {
   if (!plugin_runs_) return;
   leaving_ = true;
-  LeaveSoon();
-}
-
-void Waits::LeaveSoon() {
-  const auto step = [this] {
-    if (leaving_ && !open_.empty()) open_.back()->cancel_();
-  };
-  QMetaObject::invokeMethod(&context_, step, Qt::QueuedConnection);
+  soon_.start();
 }
 
 int Waits::WaitForChoice(Shell& shell, const Menu& menu) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QEventLoop>
-#include <QObject>
+#include <QTimer>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -44,7 +44,7 @@ class Shell {
 /// find the handlers that stood before any plug-in was started, so that none of its own jumps over the loop.
 class Waits {
  public:
-  Waits() = default;
+  Waits();
   Waits(const Waits&) = delete;
   Waits& operator=(const Waits&) = delete;
 
@@ -97,9 +97,7 @@ class Waits {
   void InPlugin(const std::function<void()>& work) noexcept;
 
  private:
-  void LeaveSoon();
-
-  QObject context_;  ///< receiver of what is done soon
+  QTimer soon_;  ///< the next step of leaving
   FaultHandlers hosts_;
   std::vector<Wait*> open_;
   Wait* menu_ = nullptr;
