@@ -430,7 +430,10 @@ void MainWindow::AskForNas() {
 NasWindow* MainWindow::OpenNas(const QString& path) {
   auto file = std::make_unique<NasFile>();
   QString why;
-  if (!file->Read(path, &why)) {
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  const bool read = file->Read(path, &why);
+  QApplication::restoreOverrideCursor();
+  if (!read) {
     project_notice_->Show(QStringLiteral("Die Datei %1 kann nicht gelesen werden: %2").arg(path, why));
     return nullptr;
   }
@@ -642,13 +645,17 @@ void MainWindow::Entered() {
 void MainWindow::Select(const std::vector<int>& points) {
   following_ = true;
   map_->SetSelected(points);
-  QItemSelection rows;
-  int first = -1;
+  std::vector<int> rows;
   for (const int point : points) {
-    const int row = model_->RowOf(point);
-    if (row < 0) continue;
-    if (first < 0) first = row;
-    rows.select(model_->index(row, 0), model_->index(row, model_->columnCount() - 1));
+    if (const int row = model_->RowOf(point); row >= 0) rows.push_back(row);
+  }
+  const int first = rows.empty() ? -1 : rows.front();
+  // As ranges: the toolkit compares each with each.
+  std::sort(rows.begin(), rows.end());
+  QItemSelection ranges;
+  for (std::size_t from = 0, to = 0; from < rows.size(); from = to) {
+    for (++to; to < rows.size() && rows[to] == rows[to - 1] + 1;) ++to;
+    ranges.select(model_->index(rows[from], 0), model_->index(rows[to - 1], model_->columnCount() - 1));
   }
   QItemSelectionModel& selection = *table_->selectionModel();
   if (first >= 0) {
@@ -656,7 +663,7 @@ void MainWindow::Select(const std::vector<int>& points) {
     selection.setCurrentIndex(shown, QItemSelectionModel::NoUpdate);
     table_->scrollTo(shown);
   }
-  selection.select(rows, QItemSelectionModel::ClearAndSelect);
+  selection.select(ranges, QItemSelectionModel::ClearAndSelect);
   following_ = false;
 }
 
