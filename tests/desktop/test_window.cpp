@@ -156,7 +156,7 @@ TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
   const auto metres = [](int base, int i) { return std::to_string(base + i % 10007); };
   for (int i = 1; i < 100'000; ++i) {
     table.Add(
-        {{"PT_NO", std::to_string(i)}, {"EAST", metres(640000, i * 7919)}, {"NORTH", metres(5650000, i * 104729)}});
+        {{"PT_NO", std::to_string(i)}, {"EAST", metres(640000, i * 7919)}, {"NORTH", metres(5650000, i * 104729LL)}});
   }
   folder_.Write("punkte.dbf", table.Bytes());
   window_.Open(QString::fromStdString(path_));
