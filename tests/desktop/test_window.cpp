@@ -153,10 +153,10 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
 TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
   TableFile table(support::HostColumns());
   table.Add({{"PT_NO", "weit weg"}, {"EAST", "1.5"}, {"NORTH", "2.5"}});
-  const auto metres = [](int base, int i) { return std::to_string(base + i % 10007); };
+  const auto metres = [](int base, long i) { return std::to_string(base + i % 10007); };
   for (int i = 1; i < 100'000; ++i) {
     table.Add(
-        {{"PT_NO", std::to_string(i)}, {"EAST", metres(640000, i * 7919)}, {"NORTH", metres(5650000, i * 104729LL)}});
+        {{"PT_NO", std::to_string(i)}, {"EAST", metres(640000, i * 7919L)}, {"NORTH", metres(5650000, i * 104729L)}});
   }
   folder_.Write("punkte.dbf", table.Bytes());
   window_.Open(QString::fromStdString(path_));
