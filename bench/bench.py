@@ -81,7 +81,7 @@ def row(what, figure, bar, note):
     """One line of the table. A bar of None means that the figure is only reported."""
     verdict = "" if bar is None else ("ok" if figure <= bar else "OVER")
     text = "" if figure is None else f"{figure:.2f}"
-    print(f"{what:<52}{text:>8}{'' if bar is None else f'{bar:.1f}':>7} {verdict:<5} {note}", flush=True)
+    print(f"{what:<52}{text:>8}{'' if bar is None else f'{bar:.2f}':>7} {verdict:<5} {note}", flush=True)
 
 
 def against(what, ours, peer, bar, rounds):
@@ -196,13 +196,17 @@ def row_reserved(bench):
 
 
 def row_lookup(bench):
-    runs = [bench.ours("lookup", bench.input("extended.dbf"), bench.input("names.txt"))()]
-    row("point_read of 1,000 numbers among 1,000,000", None, None, f"{seconds(runs):.3f} s")
+    table = bench.input("extended.dbf")
+    few, many = [bench.ours("lookup", table, bench.input(names)) for names in ("1k.names", "100k.names")]
+    for count, ours, names in (("1,000", few, "1k.names"), ("100,000", many, "100k.names")):
+        against(f"{count} numbers among 1,000,000, CPU to a hash", ours, bench.peer("table", "lookup", table, bench.input(names)),
+                3.0, 7)
+    growth("the same, 1,000 to 100,000 numbers", few, many, 1.5, 7)
 
 
 def row_walk(bench):
     table = bench.input("extended.dbf")
-    against("walk over 1,000,000 records, CPU to a plain loop", bench.ours("walk", table), bench.peer("table", table), 3.0, 9)
+    against("walk over 1,000,000 records, CPU to a plain loop", bench.ours("walk", table), bench.peer("table", "walk", table), 3.0, 9)
 
 
 def row_sheet(bench):
@@ -217,10 +221,70 @@ def row_exportdialog(bench):
            bench.ours("exportdialog", bench.input("100k.dbf")), None, 7)
 
 
+def grep(bench, options, file):
+    """Through a pipe: grep stops at the first hit where its output leads nowhere."""
+    return lambda: Run(["sh", "-c", f"grep {options} {bench.input(file)} | cat"])
+
+
+def row_search(bench):
+    with open(bench.input("1000.ids"), encoding="ascii") as file:
+        ids = file.read().split()
+    # Both meet the same identifiers in the same order, each round another.
+    ours_next, grep_next = iter(ids), iter(ids)
+
+    def ours():
+        path = bench.path("one.ids")
+        with open(path, "w", encoding="ascii") as one:
+            print(next(ours_next), file=one)
+        return bench.ours("search", bench.input("1000.nas"), path)()
+
+    runs = against("a search in an original of 1 GB, CPU to grep -c", ours,
+                   lambda: grep(bench, f"-c {next(grep_next)}", "1000.nas")(), 1.2, 9)
+    row("the same, peak in MB", peak(runs) / 1e6, 16, "")
+
+
+def row_searches(bench):
+    ids = bench.input("1000.ids")
+    runs = against("1,000 searches in it, CPU to grep -c -F -f", bench.ours("search", bench.input("1000.nas"), ids),
+                   grep(bench, f"-c -F -f {ids}", "1000.nas"), 1.25, 5)
+    size = os.path.getsize(bench.input("1000.nas"))
+    row("the same, peak to file", peak(runs) / size, 0.1, f"{peak(runs) / 1e6:.0f} MB")
+
+
+def row_orders(bench):
+    for count, table in (("100", "few-orders.dbf"), ("20,000", "many-orders.dbf")):
+        table = bench.input(table)
+        against(f"{count} orders of 1,000,000 points, CPU to a hash", bench.ours("orders", table),
+                bench.peer("table", "orders", table), 3.0, 5)
+
+
+def row_export(bench):
+    table, original, out = bench.input("order.dbf"), bench.input("100.nas"), bench.path("out.xml")
+    ours = bench.ours("export", bench.bin, table, original, out)
+    search = grep(bench, f"-F -f {bench.input('100.ids')}", "100.nas")
+    tree = bench.peer("pugixml", "order", bench.input("template.xml"), "500", "250", "250", out)
+
+    def both():
+        result, second = search(), tree()
+        result.seconds += second.seconds
+        return result
+
+    against("order of 1,000 points, CPU to grep and pugixml", ours, both, 1.25, 9)
+
+
+def row_order_file(bench):
+    out = bench.path("out.xml")
+    mine = bench.ours("order", "100000", out)
+    against("order of 100,000 new points, CPU to pugixml", mine,
+            bench.peer("pugixml", "order", bench.input("template.xml"), "100000", "0", "0", out), 0.9, 9)
+    growth("the same, 10,000 to 100,000 points", bench.ours("order", "10000", out), mine, 11, 7)
+
+
 ROWS = {"xml": row_xml, "xml-lf": row_xml_lf, "xml-names": row_xml_names, "xml-values": row_xml_values,
         "dbf-first": row_dbf_first, "dbf-later": row_dbf_later, "batch": row_batch, "ini": row_ini, "catalog": row_catalog,
         "reserved": row_reserved, "lookup": row_lookup, "walk": row_walk, "sheet": row_sheet,
-        "exportdialog": row_exportdialog}
+        "exportdialog": row_exportdialog, "search": row_search, "searches": row_searches, "orders": row_orders,
+        "export": row_export, "order-file": row_order_file}
 
 
 def main():

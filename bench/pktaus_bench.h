@@ -24,12 +24,17 @@ class Phases {
 int BenchXml(const char* in, const char* out);                   ///< LoadXml, SaveXml, delete
 int BenchIni(const char* in, const char* out);                   ///< LoadIni with free keys, SaveIni
 int BenchDbf(const char* file);                                  ///< schema_extend
-int BenchLookup(const char* table, const char* names);           ///< point_read for each line of a file
+int BenchLookup(const char* table, const char* names);           ///< point_read_all for the lines of a file
 int BenchBatch(const char* tmpl, long points, const char* out);  ///< WriteBatchFile
-int BenchCatalog(const char* file);                              ///< load of a catalogue
-int BenchReserved(const char* folder);                           ///< ReadReservedNumbers
-int BenchWalk(const char* table);                                ///< point_read_at over all records
-int BenchSheet(const char* table);                               ///< open a point in the sheet, take OK
-int BenchExportDialog(const char* table);                        ///< open, tick all, choose
+int BenchOrderFile(long points, const char* out);                ///< WriteOrderFile of new points
+int BenchSearch(const char* file, const char* ids);  ///< a search of the original file for each line of a file
+int BenchOrders(const char* table);                  ///< orders_collect, listing of the first order
+/// The first order of the table, all its points, from listing to file. `folder` holds catalogues and templates.
+int BenchExport(const char* folder, const char* table, const char* original, const char* out);
+int BenchCatalog(const char* file);        ///< load of a catalogue
+int BenchReserved(const char* folder);     ///< ReadReservedNumbers
+int BenchWalk(const char* table);          ///< point_read_at over all records
+int BenchSheet(const char* table);         ///< open a point in the sheet, take OK
+int BenchExportDialog(const char* table);  ///< open, tick all, choose
 
 }  // namespace pktaus

@@ -31,15 +31,14 @@ int BenchLookup(const char* table, const char* names) {
   if (!project.open()) return 1;
   Phases phases;
   std::ifstream file(names);
-  std::string name;
+  std::vector<std::string> numbers;
+  for (std::string name; std::getline(file, name);) numbers.push_back(name);
   long found = 0;
   double sum = 0;
-  while (std::getline(file, name)) {
-    PointRecord record{};
-    if (point_read(name.c_str(), &record) < 0) continue;
+  point_read_all(numbers, [&](std::size_t, const PointRecord& record) {
     ++found;
     sum += record.east;
-  }
+  });
   phases.Mark("lookup");
   std::printf("%ld found, east %.3f\n", found, sum);
   return 0;
