@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace pktaus {
@@ -16,6 +18,11 @@ bool Holds(std::string_view text, std::span<const Needle> needles) {
                      [&](const Needle& needle) { return text.find(needle.text) != std::string_view::npos; });
 }
 
+bool Begins(std::string_view text, std::span<const Needle> needles) {
+  return std::any_of(needles.begin(), needles.end(),
+                     [&](const Needle& needle) { return text.starts_with(needle.text); });
+}
+
 // The place in [at, end) at which the first needle begins; `end` where there is none.
 std::size_t FindSlowly(std::string_view text, std::span<const Needle> needles, std::size_t at) {
   std::size_t found = text.size();
@@ -28,6 +35,7 @@ std::size_t FindSlowly(std::string_view text, std::span<const Needle> needles, s
 template <std::size_t kCount>
 std::size_t FindFirst(std::string_view text, std::span<const Needle> needles) {
   constexpr std::size_t kBlock = 64;
+  constexpr std::size_t kPart = sizeof(std::uint64_t);
   std::array<const char*, kCount> first, second;
   std::array<char, kCount> first_byte, second_byte;
   std::size_t longest = 0;
@@ -48,11 +56,17 @@ std::size_t FindFirst(std::string_view text, std::span<const Needle> needles) {
         any = static_cast<unsigned char>(any | ((a[i] == first_byte[n]) & (b[i] == second_byte[n])));
     }
     if (any == 0) continue;
-    for (std::size_t i = at; i < at + kBlock; ++i) {
+    for (std::size_t part = at; part < at + kBlock; part += kPart) {
+      std::array<unsigned char, kPart> hits{};
       for (std::size_t n = 0; n < kCount; ++n) {
-        if (first[n][i] == first_byte[n] && second[n][i] == second_byte[n] &&
-            std::memcmp(text.data() + i, needles[n].text.data(), needles[n].text.size()) == 0)
-          return i;
+        const char* const a = first[n] + part;
+        const char* const b = second[n] + part;
+        for (std::size_t i = 0; i < kPart; ++i)
+          hits[i] = static_cast<unsigned char>(hits[i] | ((a[i] == first_byte[n]) & (b[i] == second_byte[n])));
+      }
+      if (std::bit_cast<std::uint64_t>(hits) == 0) continue;
+      for (std::size_t i = part; i < part + kPart; ++i) {
+        if (hits[i - part] != 0 && Begins(text.substr(i), needles)) return i;
       }
     }
   }
@@ -93,6 +107,17 @@ void LineScan::Seek(std::uint64_t offset) {
   begin_ = end_ = 0;
   ahead_ = kFirstRead;
   at_end_ = failed_;
+}
+
+void LineScan::SeekLine(std::uint64_t offset) {
+  Seek(offset);
+  do {
+    if (begin_ == end_) Fill();
+    const char* const start = buffer_.data() + begin_;
+    const auto* line_end = static_cast<const char*>(std::memchr(start, '\n', end_ - begin_));
+    begin_ = line_end != nullptr ? static_cast<std::size_t>(line_end - buffer_.data()) + 1 : end_;
+    if (line_end != nullptr) return;
+  } while (!at_end_);
 }
 
 void LineScan::Fill() {

@@ -40,6 +40,8 @@ class LineScan {
 
   /// Goes on at a piece that was met before.
   void Seek(std::uint64_t offset);
+  /// Goes on at the first line that begins behind `offset`.
+  void SeekLine(std::uint64_t offset);
   /// False at the end of the file.
   bool Next(LinePiece* piece);
   /// The next piece that holds one of the needles (three at most) whole; false where there is none.

@@ -1,6 +1,7 @@
 #include "catalog/original_file.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -23,10 +24,9 @@ constexpr std::string_view kOwnerTag = "<istTeilVon xlink:href=\"urn:adv:oid:";
 constexpr std::string_view kOwnerEnd = "\"/>";
 constexpr std::string_view kPunktortTag = "<AX_Punktort";
 constexpr std::string_view kMemberEnd = "</wfs:member>";
-// Seldom in such a file: "d=", "TV" of istTeilVon and "XP" of AX_Punktort, each by its places.
+// Seldom in such a file: "d=" and "TV" of istTeilVon.
 constexpr Needle kIdNeedle{kIdTag, 5, 6};
 constexpr Needle kOwnerNeedle{kOwnerTag, 4, 8};
-constexpr Needle kPunktortNeedle{kPunktortTag, 2, 4};
 constexpr std::size_t kIdText = 100;  // room of a search text with an identifier
 constexpr std::size_t kName = 200;
 constexpr std::size_t kRow = 81;
@@ -104,16 +104,11 @@ class BlockWatch {
 
 // ---- the places of one object ----
 
-/// A line that makes a position object a part of its owner.
-struct Tie {
-  std::uint64_t line;   ///< offset of its piece
-  std::uint64_t start;  ///< of the last piece with the start of a position object up to there; kNowhere without one
-};
-
-/// Where a file speaks of an object: the first line with its identifier, and the lines that name it as owner.
+/// Where a file speaks of an object, by offsets of pieces: the first line with its identifier, and the lines that name
+/// it as owner.
 struct Places {
   std::uint64_t object = kNowhere;
-  std::vector<Tie> ties;
+  std::vector<std::uint64_t> ties;
 };
 
 std::string IdText(std::string_view id) { return std::string(kIdTag).append(id).append("\""); }
@@ -149,32 +144,19 @@ class Scanner {
   Places Owner(std::string_view id) {
     const std::string object = IdText(id);
     const std::string owner = OwnerText(id);
-    const Needle needles[] = {NeedleOf(object, 0), NeedleOf(owner, 2), kPunktortNeedle};
+    const Needle needles[] = {NeedleOf(object, 0), NeedleOf(owner, 2)};
     Places places;
-    std::uint64_t start = kNowhere;
     LinePiece piece;
     lines_.Seek(0);
     while (lines_.Find(needles, &piece)) {
       if (places.object == kNowhere && IsStart(piece, object)) places.object = piece.offset;
-      if (Holds(piece.text, kPunktortTag)) start = piece.offset;
-      if (Holds(piece.text, owner)) places.ties.push_back({piece.offset, start});
+      if (Holds(piece.text, owner)) places.ties.push_back(piece.offset);
     }
     return places;
   }
 
  private:
   LineScan& lines_;
-};
-
-/// A line with an identifier, which is kept as its hash.
-struct Mark {
-  std::uint64_t hash;
-  std::uint64_t line;
-  bool operator<(const Mark& other) const { return std::tie(hash, line) < std::tie(other.hash, other.line); }
-};
-
-struct TieMark : Mark {
-  std::uint64_t start;
 };
 
 std::uint64_t HashOf(std::string_view id) { return std::hash<std::string_view>{}(id); }
@@ -190,56 +172,73 @@ void ForEachId(std::string_view line, std::string_view begin, std::string_view e
   }
 }
 
+/// The lines that hold an identifier, of very many identifiers.
+class LinesOfIds {
+ public:
+  void Add(std::string_view id, std::uint64_t line) { marks_.push_back({line, HashOf(id)}); }
+
+  /// Makes the lines known to Visit, behind the last one added.
+  void Link() {
+    heads_.assign(std::bit_ceil(marks_.size() + 1), kNowhere);
+    for (std::size_t i = marks_.size(); i-- > 0;)
+      marks_[i].next = std::exchange(heads_[marks_[i].next & (heads_.size() - 1)], i);
+  }
+
+  /// Calls `visit` with the identifier's lines, and some of others, as they were added, until it gives false.
+  template <typename Visit>
+  void ForEach(std::string_view id, Visit visit) const {
+    std::uint64_t i = heads_[HashOf(id) & (heads_.size() - 1)];
+    while (i != kNowhere && visit(marks_[i].line)) i = marks_[i].next;
+  }
+
+ private:
+  struct Mark {
+    std::uint64_t line;
+    std::uint64_t next;  // mark of the same head; before Link the hash
+  };
+  std::vector<Mark> marks_;
+  std::vector<std::uint64_t> heads_;
+};
+
 /// The places of all objects of a file, found in one walk.
 class PlaceIndex {
  public:
   explicit PlaceIndex(LineScan* lines) {
-    constexpr Needle kNeedles[] = {kIdNeedle, kOwnerNeedle, kPunktortNeedle};
-    std::uint64_t start = kNowhere;
+    constexpr Needle kNeedles[] = {kIdNeedle, kOwnerNeedle};
     LinePiece piece;
     lines->Seek(0);
     while (lines->Find(kNeedles, &piece)) {
       if (ElementName(piece.text).has_value())
-        ForEachId(piece.text, kIdTag, "\"", [&](std::string_view id) {
-          starts_.push_back({HashOf(id), piece.offset});
-        });
-      if (Holds(piece.text, kPunktortTag)) start = piece.offset;
-      ForEachId(piece.text, kOwnerTag, kOwnerEnd, [&](std::string_view id) {
-        ties_.push_back({{HashOf(id), piece.offset}, start});
-      });
+        ForEachId(piece.text, kIdTag, "\"", [&](std::string_view id) { starts_.Add(id, piece.offset); });
+      ForEachId(piece.text, kOwnerTag, kOwnerEnd, [&](std::string_view id) { ties_.Add(id, piece.offset); });
     }
-    std::sort(starts_.begin(), starts_.end());
-    std::sort(ties_.begin(), ties_.end());
+    starts_.Link();
+    ties_.Link();
   }
 
-  /// Answers what a Scanner answers for identifiers without a quote. The lines are looked at again, so that no two
-  /// identifiers with one hash are taken for each other.
+  /// Answers what a Scanner answers for identifiers without a quote.
   class Finder {
    public:
     Finder(const PlaceIndex* index, LineScan* lines) : index_(*index), lines_(*lines) {}
 
     std::uint64_t Object(std::string_view id) {
       const std::string text = IdText(id);
-      const std::uint64_t hash = HashOf(id);
-      const auto& starts = index_.starts_;
-      for (auto it = std::lower_bound(starts.begin(), starts.end(), Mark{hash, 0});
-           it != starts.end() && it->hash == hash; ++it) {
-        if (LineHolds(it->line, text)) return it->line;
-      }
-      return kNowhere;
+      std::uint64_t object = kNowhere;
+      index_.starts_.ForEach(id, [&](std::uint64_t line) {
+        if (LineHolds(line, text)) object = line;
+        return object == kNowhere;
+      });
+      return object;
     }
 
     Places Owner(std::string_view id) {
-      Places places;
-      places.object = Object(id);
+      Places places{Object(id), {}};
       const std::string text = OwnerText(id);
-      const std::uint64_t hash = HashOf(id);
-      const auto& ties = index_.ties_;
-      for (auto it = std::lower_bound(ties.begin(), ties.end(), Mark{hash, 0}); it != ties.end() && it->hash == hash;
-           ++it) {
-        const bool known = !places.ties.empty() && places.ties.back().line == it->line;
-        if (!known && LineHolds(it->line, text)) places.ties.push_back({it->line, it->start});
-      }
+      index_.ties_.ForEach(id, [&](std::uint64_t line) {
+        const bool known = !places.ties.empty() && places.ties.back() == line;
+        if (!known && LineHolds(line, text)) places.ties.push_back(line);
+        return true;
+      });
       return places;
     }
 
@@ -255,8 +254,8 @@ class PlaceIndex {
   };
 
  private:
-  std::vector<Mark> starts_;
-  std::vector<TieMark> ties_;
+  LinesOfIds starts_;
+  LinesOfIds ties_;
 };
 
 // ---- the values ----
@@ -341,17 +340,35 @@ Row ReadRow(LineScan* lines, std::uint64_t start) {
   return row;
 }
 
+/// The last piece with the start of a position object behind the piece `begin`, or from it on where `inclusive`, up to
+/// `end`; kNowhere without one.
+std::uint64_t LastStart(LineScan* lines, std::uint64_t begin, bool inclusive, std::uint64_t end) {
+  for (std::uint64_t span = 1 << 12;; span *= 2) {
+    // As a rule it stands a few lines in front of the end.
+    const bool whole = end - begin <= span;
+    if (whole) {
+      lines->Seek(begin);
+    } else {
+      lines->SeekLine(end - span);
+    }
+    std::uint64_t start = kNowhere;
+    LinePiece piece;
+    while (lines->Next(&piece) && piece.offset <= end) {
+      if (Holds(piece.text, kPunktortTag) && (inclusive || piece.offset > begin)) start = piece.offset;
+    }
+    if (start != kNowhere || whole) return start;
+  }
+}
+
 /// The owner's position objects but for `gml_id`, as `wepo` keeps them.
-std::string FurtherPositions(LineScan* lines, const std::vector<Tie>& ties, std::string_view gml_id) {
+std::string FurtherPositions(LineScan* lines, const std::vector<std::uint64_t>& ties, std::string_view gml_id) {
   std::string text, before;
   if (ties.size() <= 1) return text;
-  std::uint64_t last = kNowhere;
-  for (const Tie& tie : ties) {
+  for (std::size_t i = 0; i < ties.size(); ++i) {
     // A start counts for the first line behind it that names the owner.
-    const bool has_start = tie.start != kNowhere && (last == kNowhere || tie.start > last);
-    last = tie.line;
-    if (!has_start) continue;
-    const Row row = ReadRow(lines, tie.start);
+    const std::uint64_t start = LastStart(lines, i == 0 ? 0 : ties[i - 1], /*inclusive=*/i == 0, ties[i]);
+    if (start == kNowhere) continue;
+    const Row row = ReadRow(lines, start);
     if (row.name[0] == '\0' || row.id == gml_id) continue;
     before = text;
     text.append(row.name).append("|").append(row.id).append("|");
