@@ -4,11 +4,23 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <fstream>
+#include <string>
 
 namespace pktaus {
 namespace {
 
 double CpuSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+/// Of this program alone: what the system tells who waits for it counts the caller's memory in.
+long PeakKilobytes() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  long kilobytes = 0;
+  while (status >> word && word != "VmHWM:") continue;
+  status >> kilobytes;
+  return kilobytes;
+}
 
 struct Work {
   const char* name;
@@ -46,7 +58,7 @@ void Phases::Mark(const char* name) {
   last_ = now;
 }
 
-Phases::~Phases() { std::fprintf(stderr, "phase%s\n", text_.c_str()); }
+Phases::~Phases() { std::fprintf(stderr, "phase%s peak=%ld\n", text_.c_str(), PeakKilobytes()); }
 
 }  // namespace pktaus
 
