@@ -1,13 +1,15 @@
 #include "store/point_table.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <span>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 
 #include "base/bounded.h"
 #include "entry/host/host.h"
@@ -161,20 +163,71 @@ void WriteColumn(std::size_t id, PointRecord* record) {
   f4r_double(references[id], id == kDat ? StoredDay(value) : value);
 }
 
-/// Visits the first record of each of the numbers, made the current one, with the number's positions in the list.
+/// Point numbers that are looked for, in a flat table: most of the points that are asked about are not among them.
+class WantedPoints {
+ public:
+  explicit WantedPoints(const std::vector<std::string>& numbers)
+      : numbers_(numbers), slots_(std::bit_ceil(2 * numbers.size() + 1)), next_(numbers.size(), kNone) {
+    // From the last on, so that the positions of a number come to stand in their order.
+    for (std::size_t i = numbers.size(); i-- > 0;) {
+      Slot& slot = SlotOf(numbers[i]);
+      if (slot.first == kNone) ++left_;
+      slot.hash = HashOf(numbers[i]);
+      next_[i] = std::exchange(slot.first, static_cast<std::uint32_t>(i));
+    }
+  }
+
+  bool empty() const { return left_ == 0; }
+
+  /// The first position of a number, which counts as found from then on; kNone where it is not wanted.
+  std::uint32_t Take(std::string_view number) {
+    Slot& slot = SlotOf(number);
+    if (slot.first == kNone || slot.taken) return kNone;
+    slot.taken = true;
+    --left_;
+    return slot.first;
+  }
+  /// The number's next position.
+  std::uint32_t Next(std::uint32_t position) const { return next_[position]; }
+
+  static constexpr std::uint32_t kNone = UINT32_MAX;
+
+ private:
+  struct Slot {
+    std::uint32_t first = kNone;
+    std::uint32_t hash = 0;
+    bool taken = false;
+  };
+
+  static std::uint32_t HashOf(std::string_view number) {
+    return static_cast<std::uint32_t>(std::hash<std::string_view>{}(number));
+  }
+  /// The number's slot, or the free one for it.
+  Slot& SlotOf(std::string_view number) {
+    const std::uint32_t hash = HashOf(number);
+    std::size_t at = hash & (slots_.size() - 1);
+    while (slots_[at].first != kNone && (slots_[at].hash != hash || numbers_[slots_[at].first] != number))
+      at = (at + 1) & (slots_.size() - 1);
+    return slots_[at];
+  }
+
+  const std::vector<std::string>& numbers_;
+  std::vector<Slot> slots_;
+  std::vector<std::uint32_t> next_;
+  std::size_t left_ = 0;
+};
+
+/// Visits the first record of each of the numbers, made the current one, with the first of the number's positions.
 template <typename Visit>
-void WalkPoints(const std::vector<std::string>& point_numbers, Visit visit) {
-  std::unordered_map<std::string_view, std::vector<std::size_t>> wanted;
-  for (std::size_t i = 0; i < point_numbers.size(); ++i) wanted[point_numbers[i]].push_back(i);
-  if (wanted.empty() || !SelectTable()) return;
+void WalkPoints(WantedPoints* wanted, Visit visit) {
+  if (wanted->empty() || !SelectTable()) return;
   HostPoint point{};
   Walk(&point, [&](std::int32_t number) {
-    const auto found = wanted.find(point.pt_no);
-    if (found == wanted.end()) return false;
+    const std::uint32_t position = wanted->Take(point.pt_no);
+    if (position == WantedPoints::kNone) return false;
     d4go(number);
-    visit(number, point, found->second);
-    wanted.erase(found);
-    return wanted.empty();
+    visit(number, point, position);
+    return wanted->empty();
   });
 }
 
@@ -251,10 +304,11 @@ int point_read(const char* point_number, PointRecord* record) {
 
 void point_read_all(const std::vector<std::string>& point_numbers,
                     const std::function<void(std::size_t position, const PointRecord& record)>& visit) {
-  WalkPoints(point_numbers, [&](std::int32_t, const HostPoint& point, const std::vector<std::size_t>& positions) {
+  WantedPoints wanted(point_numbers);
+  WalkPoints(&wanted, [&](std::int32_t, const HostPoint& point, std::uint32_t position) {
     PointRecord record{};
     ReadCurrent(point, &record);
-    for (const std::size_t position : positions) visit(position, record);
+    for (; position != WantedPoints::kNone; position = wanted.Next(position)) visit(position, record);
   });
 }
 
@@ -277,8 +331,8 @@ void point_remove(const char* point_number) {
 }
 
 void point_remove_all(const std::vector<std::string>& point_numbers) {
-  WalkPoints(point_numbers,
-             [](std::int32_t number, const HostPoint&, const std::vector<std::size_t>&) { RemoveCurrent(number); });
+  WantedPoints wanted(point_numbers);
+  WalkPoints(&wanted, [](std::int32_t number, const HostPoint&, std::uint32_t) { RemoveCurrent(number); });
 }
 
 bool point_read_imported(const char* point_number, ImportedData* data) {
