@@ -344,8 +344,9 @@ class ChoiceView : public ControlView {
     view->setUniformItemSizes(true);
     box_->setView(view);
     box_->setModel(model_);
-    QObject::connect(box_, &QComboBox::activated, box_, [send, id = list.id()](int position) {
-      send(toolkit::EntrySelected{id, position});
+    // The entry that is selected already is no new choice: its rule would put back what was typed since.
+    QObject::connect(box_, &QComboBox::activated, box_, [send, &list](int position) {
+      if (position != list.selected()) send(toolkit::EntrySelected{list.id(), position});
     });
   }
 

@@ -4,6 +4,21 @@
 #include <utility>
 
 namespace korvo {
+namespace {
+
+/// Work for the end of a block, also where it is left by a throw.
+class AtEnd {
+ public:
+  explicit AtEnd(std::function<void()> work) : work_(std::move(work)) {}
+  ~AtEnd() { work_(); }
+  AtEnd(const AtEnd&) = delete;
+  AtEnd& operator=(const AtEnd&) = delete;
+
+ private:
+  std::function<void()> work_;
+};
+
+}  // namespace
 
 Waits::Waits() {
   soon_.setSingleShot(true);
@@ -41,19 +56,19 @@ bool Waits::RunPlugin(const std::function<void()>& plugin) {
   if (plugin_runs_) return false;
   plugin_runs_ = true;
   leaving_ = false;
+  const AtEnd ended([this] { plugin_runs_ = false; });
   plugin();
-  plugin_runs_ = false;
   return std::exchange(leaving_, false);
 }
 
 void Waits::Choose(int number) {
-  if (menu_ == nullptr || menu_ != open_.back()) return;
+  if (menu_ == nullptr || open_.empty() || menu_ != open_.back()) return;
   choice_ = number;
   menu_->Stop();
 }
 
 void Waits::Pick(std::int32_t record) {
-  if (pick_ == nullptr || pick_ != open_.back()) return;
+  if (pick_ == nullptr || open_.empty() || pick_ != open_.back()) return;
   picked_ = record;
   pick_->Stop();
 }
@@ -68,10 +83,12 @@ int Waits::WaitForChoice(Shell& shell, const Menu& menu) {
   Wait wait(*this, [this] { Choose(0); });
   menu_ = &wait;
   choice_ = 0;
+  const AtEnd ended([&] {
+    menu_ = nullptr;
+    shell.HideMenu();
+  });
   shell.ShowMenu(menu);
   wait.Run();
-  menu_ = nullptr;
-  shell.HideMenu();
   return choice_;
 }
 
@@ -79,10 +96,12 @@ std::int32_t Waits::WaitForPick(Shell& shell) {
   Wait wait(*this, [this] { Pick(0); });
   pick_ = &wait;
   picked_ = 0;
+  const AtEnd ended([&] {
+    pick_ = nullptr;
+    shell.EndPick();
+  });
   shell.BeginPick();
   wait.Run();
-  pick_ = nullptr;
-  shell.EndPick();
   return picked_;
 }
 
