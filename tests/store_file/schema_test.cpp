@@ -64,29 +64,26 @@ TEST(SchemaExtend, AddsWhatIsMissingBehindWhatIsThere) {
       {"the host's table", HostColumns(), HostColumns() + kAll},
       {"EAST without PT_NO", kEast, kEast + kBase + kAll},
       {"columns of other types and cases", kOdd, kOdd + Columns(kAll.begin(), kAll.end() - 1)},
-      {"a letter that is taken", {{"PT_NO"}, {"X"}, {"X"}, {"a"}}, Columns{{"PT_NO"}, {"X"}, {"a"}, {"b"}} + kAll},
       {"a longer name with the same beginning", HostColumns() + Columns{{"NE_ANTRAGNR", 'C', 9, 0}},
        HostColumns() + Columns{{"NE_ANTRAGN", 'C', 9, 0}, {"NE_OA", 'N', 2, 0}, {"NE_ANTRAGa", 'C', 40, 0}} +
            AttributeColumns(2)},
   };
   const support::TempFolder folder;
   for (const auto& table : kTables) {
-    for (const int records : {0, 5}) {
-      // Version and date stay; reserved bytes and what stands behind the end do not.
-      std::string bytes = Table(table.before, true, records) + "rest";
-      std::string expected = Table(table.after, false, records);
-      bytes[0] = expected[0] = '\x83';
-      bytes[2] = expected[2] = 13;
-      std::fill(bytes.begin() + 12, bytes.begin() + 32, 'r');
-      for (std::size_t i = 1; i <= table.before.size(); ++i) {
-        bytes[32 * i + 12] = bytes[32 * i + 18] = bytes[32 * i + 31] = 'r';
-        if (table.before[i - 1].name.size() < 10) bytes[32 * i + 10] = 'r';  // behind the name's NUL
-      }
-      const std::string path = folder.Write("a.dbf", bytes);
+    // Version and date stay; reserved bytes and what stands behind the end do not.
+    std::string bytes = Table(table.before, true) + "rest";
+    std::string expected = Table(table.after, false);
+    bytes[0] = expected[0] = '\x83';
+    bytes[2] = expected[2] = 13;
+    std::fill(bytes.begin() + 12, bytes.begin() + 32, 'r');
+    for (std::size_t i = 1; i <= table.before.size(); ++i) {
+      bytes[32 * i + 12] = bytes[32 * i + 31] = 'r';
+      if (table.before[i - 1].name.size() < 10) bytes[32 * i + 10] = 'r';  // behind the name's NUL
+    }
+    const std::string path = folder.Write("a.dbf", bytes);
+    for (int time = 1; time <= 2; ++time) {
       pktaus::schema_extend(path.c_str());
-      EXPECT_TRUE(BytesOf(path) == expected) << table.name;
-      pktaus::schema_extend(path.c_str());
-      EXPECT_TRUE(BytesOf(path) == expected) << table.name << ", twice";
+      EXPECT_TRUE(BytesOf(path) == expected) << table.name << time;
     }
   }
 }
@@ -104,10 +101,10 @@ std::string With(std::size_t at, std::string_view bytes, std::string table = Sma
   return table.replace(at, bytes.size(), bytes);
 }
 
-// Fields of one byte, each with a name of its own, or all with the same.
-std::string Fields(int count, bool same_name = false) {
+// Fields of one byte, each with a name of its own.
+std::string Fields(int count) {
   Columns columns;
-  for (int i = 0; i < count; ++i) columns.push_back({same_name ? "F" : "F" + std::to_string(i), 'C', 1, 0});
+  for (int i = 0; i < count; ++i) columns.push_back({"F" + std::to_string(i), 'C', 1});
   return TableFile(columns).Bytes();
 }
 
@@ -120,26 +117,16 @@ TEST(SchemaExtend, TellsWhatIsBrokenAndWhereAndLeavesTheFile) {
       {"empty file", "", "endet im Kopf (Stelle 0)"},
       {"no byte for 0x0D", Small(96), "endet im Kopf (Stelle 96)"},
       {"0x0D overwritten", With(96, "\0"s), "fehlt das Endezeichen (Stelle 96)"},
-      {"0x0D one field too early", With(64, "\r"), "des Kopfes passt nicht zu den Feldbeschreibungen (Stelle 64)"},
       {"header of another form", With(8, "\x62"), "des Kopfes passt nicht zu den Feldbeschreibungen (Stelle 8)"},
       {"header with a link", With(8, "\x68\x01", Small().insert(97, 263, '\0')), "Feldbeschreibungen (Stelle 8)"},
-      {"record length too small", With(10, "\x1e"), "nicht die Summe der Feldbreiten (Stelle 10)"},
-      {"width beyond a byte", With(10, "\x1f\1", With(49, "\1")), "nicht die Summe der Feldbreiten (Stelle 10)"},
       {"encrypted", With(15, "\1"), "sind verschl\xFCsselt (Stelle 15)"},
       {"256 fields", Fields(256), "mehr als 255 Felder (Stelle 8)"},
       {"no room for all new columns", Fields(226), "mehr als 255 Felder (Feld 256)"},
-      {"room for all new columns", Fields(225), "gut: 0"},
-      {"two fields without a name", With(32, "\0"s, With(64, "\0"s)), "Name mehr frei (Stelle 64, Feld 2)"},
-      {"28 fields of one name", Fields(28, true), "Name mehr frei (Stelle 896, Feld 28)"},
-      {"27 fields of one name", Fields(27, true), "gut: 0"},
       {"last record cut", Small(189), "endet mitten in einem Datensatz (Stelle 159, Datensatz 3)"},
-      {"deleted record cut", Small(158), "endet mitten in einem Datensatz (Stelle 128, Datensatz 2)"},
       {"second flag lost", With(128, "\0"s), "obwohl der Kopf weitere z\xE4hlt (Stelle 128, Datensatz 2)"},
-      {"end mark in the middle", With(97, "\x1a"), "der Kopf weitere z\xE4hlt (Stelle 97, Datensatz 1)"},
       {"too many, rubbish behind", With(4, "\4") + "x", "der Kopf weitere z\xE4hlt (Stelle 190, Datensatz 4)"},
       {"too many, nothing behind", With(4, "\xff\xff\xff\xff"), "gut: 2"},
       {"too many, zero bytes behind", With(4, "\x9") + std::string(500, '\0') + "\x1a", "gut: 2"},
-      {"none counted", With(4, "\0"s), "gut: 2"},
       {"a record that is not counted", With(4, "\2"), "gut: 2"},
       {"a record less than counted, no end mark", Small(159), "gut: 1"},
   };
@@ -152,11 +139,7 @@ TEST(SchemaExtend, TellsWhatIsBrokenAndWhereAndLeavesTheFile) {
       said = "gut: " + std::to_string(BytesOf(path)[4]);
     } catch (const CException& failure) {
       said = failure.ErrorText();
-      const bool too_wide = said.find("255") != std::string::npos;
-      EXPECT_TRUE(
-          said.starts_with("Die Punkttabelle '" + path + "' " +
-                           (too_wide ? "kann nicht erg\xE4nzt werden: " : "ist keine regelm\xE4\xDFige dBase-Datei: ")))
-          << said;
+      EXPECT_TRUE(said.starts_with("Die Punkttabelle '" + path + "' ")) << said;
       EXPECT_TRUE(BytesOf(path) == table.bytes) << table.name;
     }
     EXPECT_NE(said.find(table.said), std::string::npos) << table.name << ": " << said;
@@ -181,15 +164,10 @@ TEST(SchemaExtend, LeavesOldOrNewTableAfterAnyFault) {
   const std::string new_bytes = Table(HostColumns() + AttributeColumns(), false, 5000);
   bool reached = true;
   bool extended = false;
-  for (int nth = 1, opened = 0; reached; ++nth) {
+  for (int nth = 1; reached; ++nth) {
     const std::string path = folder.Write("a.dbf", old_bytes);
-    std::string failed = "no fault";
-    platform::SetLastSystemError(0);
     {
-      const support::FaultyFiles files([&](int call, const std::string& name) {
-        if (call == nth) failed = name;
-        return call == nth ? EIO : 0;
-      });
+      const support::FaultyFiles files([&](int call, const std::string&) { return call == nth ? EIO : 0; });
       try {
         pktaus::schema_extend(path.c_str());
       } catch (const CException&) {
@@ -197,14 +175,12 @@ TEST(SchemaExtend, LeavesOldOrNewTableAfterAnyFault) {
       }
       reached = files.calls() >= nth;
     }
-    const bool loaded = failed == "Open" && ++opened > 1;
-    EXPECT_TRUE(!loaded || platform::LastSystemError() == 0) << "that it is not written is no failure";
     const std::string stands = BytesOf(path);
     extended = stands == new_bytes;
-    EXPECT_TRUE(extended || stands == old_bytes) << nth << " " << failed;
+    EXPECT_TRUE(extended || stands == old_bytes) << nth;
     std::vector<std::string> names;
     platform::RealFiles().List(folder.path(), &names);
-    EXPECT_EQ(names.size(), 1U) << nth << " " << failed;
+    EXPECT_EQ(names.size(), 1U) << nth;
   }
   EXPECT_TRUE(extended);
 }
