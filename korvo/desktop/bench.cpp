@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "korvo/desktop/main_window.h"
+#include "korvo/desktop/point_model.h"
 #include "korvo/desktop/sprites.h"
 #include "korvo/host/project.h"
 

@@ -1,33 +1,27 @@
 #include "korvo/desktop/main_window.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QHBoxLayout>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QSplitter>
-#include <QStatusBar>
-#include <QTableView>
-#include <QTimer>
-#include <QToolBar>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
+#include "korvo/desktop/command_bar.h"
+#include "korvo/desktop/find_bar.h"
 #include "korvo/desktop/nas_window.h"
 #include "korvo/desktop/notice_bar.h"
+#include "korvo/desktop/point_table_view.h"
+#include "korvo/desktop/recent_menu.h"
 #include "korvo/desktop/settings.h"
+#include "korvo/desktop/status_line.h"
 #include "korvo/desktop/text.h"
 #include "korvo/host/menus.h"
 #include "korvo/host/plugin.h"
@@ -39,28 +33,16 @@ namespace korvo {
 namespace {
 
 constexpr int kMessageTime = 8000;
-constexpr int kFilterPause = 150;
-constexpr int kMostRecent = 8;
-constexpr int kWidestColumn = 28;  // characters
 constexpr const char* kCommands = "PKTAUMEN";
-
-QString Metres(double value) { return QLocale().toString(value, 'f', 3); }
-
-QLabel* PlainLabel(const QString& text = {}) {
-  auto* label = new QLabel(text);
-  label->setTextFormat(Qt::PlainText);
-  return label;
-}
 
 }  // namespace
 
 MainWindow::MainWindow(Waits& waits, std::string library) : waits_(waits), library_(std::move(library)) {
-  setWindowTitle(QStringLiteral("Korvo"));
   BuildCentre();
-  BuildStatusBar();
+  status_ = new StatusLine;
+  setStatusBar(status_);
   BuildActions();
-  SetCommands(*FindMenu(kCommands));
-  ShowCounts();
+  ShowProject({});
   resize(1280, 800);
   QSettings remembered = Remembered();
   restoreGeometry(remembered.value(QStringLiteral("window/geometry")).toByteArray());
@@ -76,17 +58,23 @@ MainWindow::~MainWindow() {
 // What is in the window
 
 void MainWindow::BuildCentre() {
-  map_ = new MapView(points_);
-  map_->setObjectName(QStringLiteral("map"));
-  model_ = new PointModel(points_, this);
   project_notice_ = new NoticeBar(NoticeBar::Kind::kWarning);
   project_notice_->setObjectName(QStringLiteral("project_notice"));
   file_notice_ = new NoticeBar(NoticeBar::Kind::kOffer);
   file_notice_->setObjectName(QStringLiteral("file_notice"));
+  find_ = new FindBar;
+  map_ = new MapView(points_);
+  map_->setObjectName(QStringLiteral("map"));
+  table_ = new PointTableView(points_);
+  auto* map_side = new QWidget;
+  auto* below = new QVBoxLayout(map_side);
+  below->setContentsMargins(0, 0, 0, 0);
+  below->addWidget(find_);
+  below->addWidget(map_, 1);
   splitter_ = new QSplitter;
   splitter_->setChildrenCollapsible(false);
-  splitter_->addWidget(BuildMapSide());
-  splitter_->addWidget(BuildTableSide());
+  splitter_->addWidget(map_side);
+  splitter_->addWidget(table_);
   splitter_->setSizes({740, 540});
 
   auto* centre = new QWidget;
@@ -97,6 +85,8 @@ void MainWindow::BuildCentre() {
   layout->addWidget(splitter_, 1);
   setCentralWidget(centre);
 
+  connect(find_, &FindBar::Entered, this, &MainWindow::Find);
+  connect(find_, &FindBar::PickEnded, this, &MainWindow::StopPicking);
   connect(map_, &MapView::Clicked, this, [this](int point, bool add) {
     if (picking_) return PickPoint(point);
     std::vector<int> selected = add ? map_->selected() : std::vector<int>();
@@ -108,124 +98,16 @@ void MainWindow::BuildCentre() {
     }
     Select(selected);
   });
-  connect(map_, &MapView::CursorAt, this, [this](double east, double north) {
-    coordinates_->setText(QStringLiteral("E %1   N %2").arg(Metres(east), Metres(north)));
+  connect(map_, &MapView::CursorAt, this, [this](double east, double north) { status_->ShowPlace(east, north); });
+  connect(map_, &MapView::CursorLeft, this, [this] { status_->ClearPlace(); });
+  connect(table_, &PointTableView::Selected, this, [this](const std::vector<int>& points) {
+    if (!points.empty()) map_->BringIntoView(points.front());
+    map_->SetSelected(points);
   });
-  connect(map_, &MapView::CursorLeft, this, [this] { coordinates_->clear(); });
-}
-
-QWidget* MainWindow::BuildMapSide() {
-  find_label_ = PlainLabel();
-  find_ = new QLineEdit;
-  find_->setObjectName(QStringLiteral("find"));
-  find_->setClearButtonEnabled(true);
-  find_->setMaximumWidth(220);
-  find_->setAccessibleName(QStringLiteral("Punktnummer"));
-  find_label_->setBuddy(find_);
-  find_button_ = new QPushButton;
-  find_button_->setObjectName(QStringLiteral("find_button"));
-  end_pick_ = new QPushButton(QStringLiteral("Beenden (Esc)"));
-  end_pick_->setObjectName(QStringLiteral("end_pick"));
-  find_bar_ = new QWidget;
-  find_bar_->setAutoFillBackground(true);
-  auto* line = new QHBoxLayout(find_bar_);
-  line->setContentsMargins(6, 3, 6, 3);
-  line->addWidget(find_label_);
-  line->addWidget(find_);
-  line->addWidget(find_button_);
-  line->addWidget(end_pick_);
-  line->addStretch(1);
-  auto* side = new QWidget;
-  auto* layout = new QVBoxLayout(side);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(find_bar_);
-  layout->addWidget(map_, 1);
-  ShowFindBar();
-  connect(find_, &QLineEdit::returnPressed, this, &MainWindow::Entered);
-  connect(find_button_, &QPushButton::clicked, this, &MainWindow::Entered);
-  connect(end_pick_, &QPushButton::clicked, this, &MainWindow::StopPicking);
-  return side;
-}
-
-QWidget* MainWindow::BuildTableSide() {
-  filter_text_ = new QLineEdit;
-  filter_text_->setObjectName(QStringLiteral("filter"));
-  filter_text_->setPlaceholderText(QStringLiteral("Filter"));
-  filter_text_->setClearButtonEnabled(true);
-  filter_text_->setAccessibleName(QStringLiteral("Text, den die Zeilen enthalten"));
-  filter_column_ = new QComboBox;
-  filter_column_->setAccessibleName(QStringLiteral("Spalte des Filters"));
-  filter_column_->addItem(QStringLiteral("in allen Spalten"));
-  filter_state_ = new QComboBox;
-  filter_state_->setObjectName(QStringLiteral("filter_state"));
-  filter_state_->setAccessibleName(QStringLiteral("Zustand der Punkte"));
-  filter_state_->addItem(QStringLiteral("alle Zustände"));
-  for (int i = 0; i < kPointStates; ++i) {
-    const auto state = static_cast<PointState>(i);
-    filter_state_->addItem(IconOf(state), NameOf(state));
-  }
-  filter_count_ = PlainLabel();
-  filter_timer_ = new QTimer(this);
-  filter_timer_->setSingleShot(true);
-  filter_timer_->setInterval(kFilterPause);
-  auto* line = new QHBoxLayout;
-  line->setContentsMargins(6, 3, 0, 3);
-  line->addWidget(filter_text_, 1);
-  line->addWidget(filter_column_);
-  line->addWidget(filter_state_);
-  line->addWidget(filter_count_);
-
-  table_ = new QTableView;
-  table_->setObjectName(QStringLiteral("table"));
-  table_->setAccessibleName(QStringLiteral("Tabelle der Punkte"));
-  table_->setModel(model_);
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setWordWrap(false);
-  table_->setTabKeyNavigation(false);
-  table_->setAlternatingRowColors(true);
-  table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  table_->setSortingEnabled(true);
-  table_->horizontalHeader()->setSortIndicatorClearable(true);
-  table_->horizontalHeader()->setSectionsMovable(true);
-  table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
-  table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-  auto* side = new QWidget;
-  auto* layout = new QVBoxLayout(side);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addLayout(line);
-  layout->addWidget(table_, 1);
-
-  connect(filter_text_, &QLineEdit::textEdited, filter_timer_, qOverload<>(&QTimer::start));
-  connect(filter_text_, &QLineEdit::textChanged, filter_timer_, qOverload<>(&QTimer::start));
-  connect(filter_timer_, &QTimer::timeout, this, &MainWindow::ApplyFilter);
-  connect(filter_text_, &QLineEdit::returnPressed, this, &MainWindow::ApplyFilter);
-  connect(filter_column_, &QComboBox::activated, this, &MainWindow::ApplyFilter);
-  connect(filter_state_, &QComboBox::activated, this, &MainWindow::ApplyFilter);
-  connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::FollowTable);
-  connect(table_, &QAbstractItemView::activated, this, [this](const QModelIndex& index) {
-    const int point = model_->PointAt(index.row());
+  connect(table_, &PointTableView::Chosen, this, [this](int point) {
     if (picking_) return PickPoint(point);
     map_->CentreOn(point);
   });
-  return side;
-}
-
-void MainWindow::BuildStatusBar() {
-  for (int i = 0; i < kPointStates; ++i) {
-    auto* icon = new QLabel;
-    icon->setPixmap(IconOf(static_cast<PointState>(i)).pixmap(QSize(16, 16), devicePixelRatioF()));
-    statusBar()->addPermanentWidget(icon);
-    counts_[static_cast<std::size_t>(i)] = PlainLabel();
-    statusBar()->addPermanentWidget(counts_[static_cast<std::size_t>(i)]);
-  }
-  without_place_ = PlainLabel();
-  statusBar()->addPermanentWidget(without_place_);
-  coordinates_ = PlainLabel();
-  coordinates_->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("E 00.000.000,000   N 0.000.000,000 ")));
-  coordinates_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  statusBar()->addPermanentWidget(coordinates_);
 }
 
 void MainWindow::BuildActions() {
@@ -236,7 +118,8 @@ void MainWindow::BuildActions() {
   };
   QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
   QAction* open = action(file, QStringLiteral("Projekt ö&ffnen …"), QKeySequence::Open, [this] { AskForProject(); });
-  recent_ = file->addMenu(QStringLiteral("&Zuletzt geöffnet"));
+  recent_ = new RecentMenu(QStringLiteral("&Zuletzt geöffnet"), file);
+  file->addMenu(recent_);
   reload_ = action(file, QStringLiteral("&Neu laden"), QKeySequence(Qt::Key_F5), [this] { Reload(); });
   file->addSeparator();
   action(file, QStringLiteral("NAS-Datei &ansehen …"), QKeySequence(QStringLiteral("Ctrl+N")), [this] { AskForNas(); });
@@ -244,10 +127,11 @@ void MainWindow::BuildActions() {
       action(file, QStringLiteral("&Karte speichern …"), QKeySequence(QStringLiteral("Ctrl+K")), [this] { SaveMap(); });
   file->addSeparator();
   action(file, QStringLiteral("&Beenden"), QKeySequence(QStringLiteral("Ctrl+Q")), [this] { close(); });
-  connect(file, &QMenu::aboutToShow, this, &MainWindow::FillRecent);
-  FillRecent();
+  connect(recent_, &RecentMenu::Chosen, this, &MainWindow::Open);
 
-  commands_menu_ = menuBar()->addMenu(QString());
+  commands_ = new CommandBar(menuBar()->addMenu(QString()));
+  commands_->Offer(*FindMenu(kCommands));
+  connect(commands_, &CommandBar::Chosen, this, &MainWindow::Command);
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("&Ansicht"));
   QAction* all = action(view, QStringLiteral("&Alles zeigen"), QKeySequence(QStringLiteral("Ctrl+0")),
@@ -259,22 +143,12 @@ void MainWindow::BuildActions() {
   action(view, QStringLiteral("Aus&wahl zeigen"), QKeySequence(QStringLiteral("Ctrl+E")),
          [this] { map_->ShowPoints(map_->selected()); });
   view->addSeparator();
-  action(view, QStringLiteral("Punkt &suchen"), QKeySequence::Find, [this] {
-    find_->setFocus();
-    find_->selectAll();
-  });
-  action(view, QStringLiteral("Tabelle &filtern"), QKeySequence(QStringLiteral("Ctrl+L")), [this] {
-    filter_text_->setFocus();
-    filter_text_->selectAll();
-  });
+  action(view, QStringLiteral("Punkt &suchen"), QKeySequence::Find, [this] { find_->Begin(); });
+  action(view, QStringLiteral("Tabelle &filtern"), QKeySequence(QStringLiteral("Ctrl+L")),
+         [this] { table_->FocusFilter(); });
   action(view, QStringLiteral("Zur &Karte"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { map_->setFocus(); });
-  action(view, QStringLiteral("Zur &Tabelle"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { table_->setFocus(); });
-
-  stop_pick_ = new QAction(this);
-  stop_pick_->setShortcut(Qt::Key_Escape);
-  stop_pick_->setEnabled(false);
-  connect(stop_pick_, &QAction::triggered, this, &MainWindow::StopPicking);
-  addAction(stop_pick_);
+  action(view, QStringLiteral("Zur &Tabelle"), QKeySequence(QStringLiteral("Ctrl+2")),
+         [this] { table_->FocusTable(); });
 
   QToolBar* bar = addToolBar(QStringLiteral("Projekt"));
   bar->setObjectName(QStringLiteral("project_bar"));
@@ -284,8 +158,7 @@ void MainWindow::BuildActions() {
   reload_->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
   all->setIconText(QStringLiteral("Alles zeigen"));
   for (QAction* shown : {open, reload_, all}) bar->addAction(shown);
-  commands_bar_ = addToolBar(QStringLiteral("Modul"));
-  commands_bar_->setObjectName(QStringLiteral("commands_bar"));
+  addToolBar(commands_);
 }
 
 // The project
@@ -306,7 +179,7 @@ void MainWindow::Open(const QString& path) {
     OpenedProject opened = OpenProject(QFile::encodeName(named).toStdString());
     if (opened.open) {
       opened_ = named;
-      Remember(named);
+      recent_->Remember(named);
       return ShowProject(FromAnsi(opened.note));
     }
     const QString refusal = AsLines(opened.refusal);
@@ -337,23 +210,16 @@ void MainWindow::ShowProject(QString note) {
   file_notice_->Show({});
   ReadPoints();
   map_->ShowAll();
-  UpdateCommands();
+  UpdateActions();
 }
 
 void MainWindow::ReadPoints() {
   std::vector<std::int32_t> selected;
   for (const int point : map_->selected()) selected.push_back(points_.Record(point));
-  const auto names = [this] {
-    std::vector<std::string> all;
-    for (const Column& column : points_.columns()) all.push_back(column.name);
-    return all;
-  };
-  const std::vector<std::string> before = names();
-  model_->BeginRead();
+  table_->BeginRead();
   points_.Read();
-  model_->EndRead();
+  table_->EndRead();
   map_->PointsRead();
-  if (names() != before) FitColumns();
   if (nas_ != nullptr) {
     nas_->PointsRead();
     map_->SetMarked(nas_->Points());
@@ -363,54 +229,7 @@ void MainWindow::ReadPoints() {
     if (const int point = points_.PointOf(record); point >= 0) again.push_back(point);
   }
   Select(again);
-  ShowCounts();
-}
-
-void MainWindow::FitColumns() {
-  constexpr int kRoom = 16;
-  const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
-  const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize) + kRoom / 2;
-  filter_column_->clear();
-  filter_column_->addItem(QStringLiteral("in allen Spalten"));
-  for (int i = 0; i < model_->columnCount(); ++i) {
-    const QString name = model_->headerData(i, Qt::Horizontal).toString();
-    filter_column_->addItem(QStringLiteral("in ") + name);
-    const int characters =
-        i == points_.number_column() ? model_->CharactersOf(i) : std::min(kWidestColumn, model_->CharactersOf(i));
-    const int head = table_->horizontalHeader()->fontMetrics().horizontalAdvance(name) + 2 * kRoom;
-    table_->setColumnWidth(i, std::max(characters * digit + kRoom, head) + (i == 0 ? icon : 0));
-  }
-}
-
-void MainWindow::ShowCounts() {
-  for (int i = 0; i < kPointStates; ++i) {
-    const auto state = static_cast<PointState>(i);
-    counts_[static_cast<std::size_t>(i)]->setText(
-        QStringLiteral("%1 %2").arg(QLocale().toString(points_.CountOf(state)), NameOf(state)));
-  }
-  without_place_->setVisible(points_.without_place() > 0);
-  without_place_->setText(QStringLiteral("%1 ohne Koordinaten").arg(QLocale().toString(points_.without_place())));
-  const int shown = model_->rowCount();
-  filter_count_->setText(
-      QStringLiteral("%1 von %2").arg(QLocale().toString(shown), QLocale().toString(points_.count())));
-}
-
-void MainWindow::Remember(const QString& path) {
-  QSettings remembered = Remembered();
-  QStringList recent = remembered.value(QStringLiteral("recent")).toStringList();
-  recent.removeAll(path);
-  recent.prepend(path);
-  remembered.setValue(QStringLiteral("recent"), QStringList(recent.mid(0, kMostRecent)));
-}
-
-void MainWindow::FillRecent() {
-  recent_->clear();
-  const QStringList recent = Remembered().value(QStringLiteral("recent")).toStringList();
-  for (const QString& path : recent) {
-    QAction* entry = recent_->addAction(QString(path).replace(QLatin1Char('&'), QStringLiteral("&&")));
-    connect(entry, &QAction::triggered, this, [this, path] { Open(path); });
-  }
-  recent_->setEnabled(!recent.isEmpty());
+  status_->ShowCounts(points_);
 }
 
 void MainWindow::AskForProject() {
@@ -475,36 +294,10 @@ void MainWindow::SaveMap() {
 
 // The plug-in
 
-void MainWindow::SetCommands(const Menu& menu) {
-  if (&menu == menu_) return;
-  menu_ = &menu;
-  commands_menu_->clear();
-  commands_bar_->clear();
-  commands_.clear();
-  commands_menu_->setTitle(QStringLiteral("&") + AsCaption(menu.title));
-  commands_bar_->setWindowTitle(AsLine(menu.title));
-  for (const Menu::Entry& entry : menu.entries) {
-    QAction* command = commands_menu_->addAction(AsCaption(entry.text));
-    command->setData(entry.number);
-    command->setObjectName(QStringLiteral("command_%1").arg(entry.number));
-    // The function key of the entry's number, where there is one.
-    command->setShortcut(entry.number == 0    ? QKeySequence(QStringLiteral("Shift+Esc"))
-                         : entry.number <= 12 ? QKeySequence(Qt::Key_F1 + entry.number - 1)
-                                              : QKeySequence());
-    command->setToolTip(
-        QStringLiteral("%1 (%2)").arg(AsLine(entry.text), command->shortcut().toString(QKeySequence::NativeText)));
-    connect(command, &QAction::triggered, this, [this, number = entry.number] { Command(number); });
-    commands_bar_->addAction(command);
-    commands_.push_back(command);
-  }
-  UpdateCommands();
-}
-
-void MainWindow::UpdateCommands() {
+void MainWindow::UpdateActions() {
   const bool runs = waits_.plugin_runs();
   const bool free = runs ? menu_waits_ || picking_ : !ProjectFolder().empty() && why_not_.isEmpty();
-  for (QAction* command : commands_) command->setEnabled(free && (runs || command->data().toInt() != 0));
-  if (reload_ == nullptr) return;
+  commands_->Enable(free, free && runs);
   reload_->setEnabled(!opened_.isEmpty());
   save_map_->setEnabled(points_.count() > 0);
 }
@@ -531,7 +324,7 @@ void MainWindow::StartPlugin() {
   if (!called) project_notice_->Show(AsLines(why));
   std::string ignored;
   if (RefreshPointTable(&ignored)) ReadPoints();
-  UpdateCommands();
+  UpdateActions();
   if (left) {
     close();
   } else if (after_plugin_) {
@@ -541,48 +334,35 @@ void MainWindow::StartPlugin() {
 
 void MainWindow::ShowMenu(const Menu& menu) {
   menu_waits_ = true;
-  SetCommands(menu);
-  UpdateCommands();
+  commands_->Offer(menu);
+  UpdateActions();
   if (after_plugin_) {
     waits_.Choose(0);
   } else if (pending_) {
     waits_.Choose(*std::exchange(pending_, std::nullopt));
   } else {
-    statusBar()->showMessage(QStringLiteral("Das Modul wartet auf einen Befehl."));
+    status_->showMessage(QStringLiteral("Das Modul wartet auf einen Befehl."));
   }
 }
 
 void MainWindow::HideMenu() {
   menu_waits_ = false;
-  statusBar()->clearMessage();
-  UpdateCommands();
+  status_->clearMessage();
+  UpdateActions();
 }
 
 void MainWindow::BeginPick() {
-  picking_ = true;
-  ShowFindBar();
-  find_->setFocus();
-  stop_pick_->setEnabled(true);
-  UpdateCommands();
+  SetPicking(true);
+  find_->Begin();
 }
 
-void MainWindow::EndPick() {
-  picking_ = false;
-  ShowFindBar();
-  stop_pick_->setEnabled(false);
-  UpdateCommands();
-}
+void MainWindow::EndPick() { SetPicking(false); }
 
-void MainWindow::ShowFindBar() {
-  find_label_->setText(picking_ ? QStringLiteral("Punkt wählen – in Karte oder Tabelle, oder N&ummer:")
-                                : QStringLiteral("Punkt &suchen:"));
-  find_button_->setText(picking_ ? QStringLiteral("&Wählen") : QStringLiteral("&Zeigen"));
-  end_pick_->setVisible(picking_);
-  find_->clear();
-  QPalette colours = palette();
-  if (picking_) colours.setColor(QPalette::Window, QColor(0xff, 0xe2, 0xb3));
-  find_bar_->setPalette(colours);
-  map_->SetPicking(picking_);
+void MainWindow::SetPicking(bool picking) {
+  picking_ = picking;
+  find_->SetPicking(picking);
+  map_->SetPicking(picking);
+  UpdateActions();
 }
 
 void MainWindow::PickPoint(int point) {
@@ -600,12 +380,12 @@ void MainWindow::StopPicking() {
 void MainWindow::PointChanged(std::int32_t number) {
   const int point = number > 0 ? points_.PointOf(number) : -1;
   if (point < 0 || points_.Reread(number) < 0) return ReadPoints();
-  model_->PointChanged(point);
+  table_->PointChanged(point);
   map_->PointChanged();
-  ShowCounts();
+  status_->ShowCounts(points_);
 }
 
-void MainWindow::ShowMessage(const QString& text) { statusBar()->showMessage(text, kMessageTime); }
+void MainWindow::ShowMessage(const QString& text) { status_->showMessage(text, kMessageTime); }
 
 void MainWindow::FileSaved(const QString& path) {
   file_notice_->Show(QStringLiteral("%1 wurde geschrieben.").arg(path), QStringLiteral("Datei &ansehen"),
@@ -626,15 +406,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 // Points
 
-void MainWindow::Entered() {
-  const std::string number = ToAnsi(find_->text().trimmed());
-  if (number.empty()) return;
-  int point = points_.Find(number);
-  if (point < 0 && !picking_)
-    point = points_.FindPart(number, map_->selected().empty() ? -1 : map_->selected().front());
+void MainWindow::Find(const QString& number) {
+  const std::string ansi = ToAnsi(number);
+  int point = points_.Find(ansi);
+  if (point < 0 && !picking_) point = points_.FindPart(ansi, map_->selected().empty() ? -1 : map_->selected().front());
   if (point < 0) {
-    find_->selectAll();
-    return ShowMessage(QStringLiteral("Die Tabelle hat keinen Punkt %1.").arg(find_->text().trimmed()));
+    find_->Begin();
+    return ShowMessage(QStringLiteral("Die Tabelle hat keinen Punkt %1.").arg(number));
   }
   if (picking_) return PickPoint(point);
   Select({point});
@@ -643,55 +421,8 @@ void MainWindow::Entered() {
 }
 
 void MainWindow::Select(const std::vector<int>& points) {
-  following_ = true;
   map_->SetSelected(points);
-  std::vector<int> rows;
-  for (const int point : points) {
-    if (const int row = model_->RowOf(point); row >= 0) rows.push_back(row);
-  }
-  const int first = rows.empty() ? -1 : rows.front();
-  // As ranges: the toolkit compares each with each.
-  std::sort(rows.begin(), rows.end());
-  QItemSelection ranges;
-  for (std::size_t from = 0, to = 0; from < rows.size(); from = to) {
-    for (++to; to < rows.size() && rows[to] == rows[to - 1] + 1;) ++to;
-    ranges.select(model_->index(rows[from], 0), model_->index(rows[to - 1], model_->columnCount() - 1));
-  }
-  QItemSelectionModel& selection = *table_->selectionModel();
-  if (first >= 0) {
-    const QModelIndex shown = model_->index(first, std::max(0, table_->currentIndex().column()));
-    selection.setCurrentIndex(shown, QItemSelectionModel::NoUpdate);
-    table_->scrollTo(shown);
-  }
-  selection.select(ranges, QItemSelectionModel::ClearAndSelect);
-  following_ = false;
-}
-
-void MainWindow::FollowTable() {
-  if (following_) return;
-  std::vector<int> points;
-  for (const QItemSelectionRange& range : table_->selectionModel()->selection()) {
-    for (int row = range.top(); row <= range.bottom(); ++row) points.push_back(model_->PointAt(row));
-  }
-  const QModelIndex current = table_->currentIndex();
-  if (current.isValid()) {
-    const auto at = std::find(points.begin(), points.end(), model_->PointAt(current.row()));
-    if (at != points.end()) std::swap(*at, points.front());
-  }
-  if (!points.empty()) map_->BringIntoView(points.front());
-  map_->SetSelected(std::move(points));
-}
-
-void MainWindow::ApplyFilter() {
-  filter_timer_->stop();
-  PointModel::Filter filter;
-  filter.text = ToAnsi(filter_text_->text());
-  filter.column = filter_column_->currentIndex() - 1;
-  if (filter_state_->currentIndex() > 0) filter.state = static_cast<PointState>(filter_state_->currentIndex() - 1);
-  const std::vector<int> selected = map_->selected();
-  model_->SetFilter(std::move(filter));
-  Select(selected);
-  ShowCounts();
+  table_->Select(points);
 }
 
 }  // namespace korvo

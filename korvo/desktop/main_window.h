@@ -3,30 +3,26 @@
 
 #include <QMainWindow>
 #include <QPointer>
-#include <array>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "korvo/desktop/map_view.h"
-#include "korvo/desktop/point_model.h"
 #include "korvo/desktop/point_set.h"
 #include "korvo/desktop/shell.h"
 
-class QComboBox;
-class QLabel;
-class QLineEdit;
-class QPushButton;
 class QSplitter;
-class QTableView;
-class QTimer;
-class QToolBar;
 
 namespace korvo {
 
+class CommandBar;
+class FindBar;
 class NasWindow;
 class NoticeBar;
+class PointTableView;
+class RecentMenu;
+class StatusLine;
 
 class MainWindow : public QMainWindow, public Shell {
   Q_OBJECT
@@ -65,37 +61,26 @@ class MainWindow : public QMainWindow, public Shell {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void BuildActions();
   void BuildCentre();
-  QWidget* BuildMapSide();
-  QWidget* BuildTableSide();
-  void BuildStatusBar();
+  void BuildActions();
 
-  void SetCommands(const Menu& menu);
   void Command(int number);
-  void UpdateCommands();
+  void UpdateActions();
   /// Does it now, or, where the plug-in waits in its menu, after the end of the plug-in.
   void WithoutPlugin(std::function<void()> work);
 
   void ReadPoints();
-  void ShowCounts();
   void ShowProject(QString note);
-  void Remember(const QString& path);
-  void FillRecent();
 
   void AskForProject();
   void AskForNas();
   void SaveMap();
 
-  /// The line above the map: for finding points, or for picking one.
-  void ShowFindBar();
-  void Entered();
+  void Find(const QString& number);
+  void SetPicking(bool picking);
   void PickPoint(int point);
   void StopPicking();
   void Select(const std::vector<int>& points);
-  void FollowTable();
-  void ApplyFilter();
-  void FitColumns();
 
   Waits& waits_;
   std::string library_;
@@ -103,38 +88,21 @@ class MainWindow : public QMainWindow, public Shell {
   QString opened_;   ///< what the person named
   QString why_not_;  ///< why the plug-in cannot be started; empty where it can
 
-  MapView* map_;
-  PointModel* model_;
-  QTableView* table_;
-  QSplitter* splitter_;
   NoticeBar* project_notice_;
   NoticeBar* file_notice_;
-  QWidget* find_bar_;
-  QLabel* find_label_;
-  QLineEdit* find_;
-  QPushButton* find_button_;
-  QPushButton* end_pick_;
-  QAction* stop_pick_ = nullptr;
-  QLineEdit* filter_text_;
-  QComboBox* filter_column_;
-  QComboBox* filter_state_;
-  QTimer* filter_timer_;
-  QLabel* filter_count_;
-  QMenu* recent_;
-  QMenu* commands_menu_;
-  QToolBar* commands_bar_;
-  std::vector<QAction*> commands_;
-  QAction* reload_ = nullptr;
-  QAction* save_map_ = nullptr;
-  std::array<QLabel*, kPointStates> counts_{};
-  QLabel* without_place_;
-  QLabel* coordinates_;
+  FindBar* find_;
+  MapView* map_;
+  PointTableView* table_;
+  QSplitter* splitter_;
+  StatusLine* status_;
+  RecentMenu* recent_;
+  CommandBar* commands_;
+  QAction* reload_;
+  QAction* save_map_;
   QPointer<NasWindow> nas_;
 
-  const Menu* menu_ = nullptr;  ///< whose entries are offered
   bool menu_waits_ = false;
   bool picking_ = false;
-  bool following_ = false;      ///< a selection is being passed on between map and table
   std::optional<int> pending_;  ///< entry of the menu that the plug-in was started for, or led back to the menu for
   std::function<void()> after_plugin_;
 };
