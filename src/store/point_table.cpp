@@ -9,7 +9,6 @@
 #include <limits>
 #include <span>
 #include <string_view>
-#include <utility>
 
 #include "base/bounded.h"
 #include "entry/host/host.h"
@@ -163,29 +162,37 @@ void WriteColumn(std::size_t id, PointRecord* record) {
   f4r_double(references[id], id == kDat ? StoredDay(value) : value);
 }
 
-/// Point numbers that are looked for, in a flat table: most of the points that are asked about are not among them.
+/// Point numbers that are looked for, in a flat table. Most of the points that are asked about are not among them, so a
+/// place is told by a byte of its own: all these bytes lie in the cache where the table does not.
 class WantedPoints {
  public:
   explicit WantedPoints(const std::vector<std::string>& numbers)
-      : numbers_(numbers), slots_(std::bit_ceil(2 * numbers.size() + 1)), next_(numbers.size(), kNone) {
+      : numbers_(numbers),
+        marks_(std::bit_ceil(2 * numbers.size() + 1)),
+        first_(marks_.size()),
+        next_(numbers.size(), kNone) {
     // From the last on, so that the positions of a number come to stand in their order.
     for (std::size_t i = numbers.size(); i-- > 0;) {
-      Slot& slot = SlotOf(numbers[i]);
-      if (slot.first == kNone) ++left_;
-      slot.hash = HashOf(numbers[i]);
-      next_[i] = std::exchange(slot.first, static_cast<std::uint32_t>(i));
+      const Place place = PlaceOf(numbers[i]);
+      if (marks_[place.at] == kFree) {
+        marks_[place.at] = place.mark;
+        ++left_;
+      } else {
+        next_[i] = first_[place.at];
+      }
+      first_[place.at] = static_cast<std::uint32_t>(i);
     }
   }
 
   bool empty() const { return left_ == 0; }
 
-  /// The first position of a number, which counts as found from then on; kNone where it is not wanted.
+  /// The first position of a number, which is no longer wanted from then on; kNone where it is not wanted.
   std::uint32_t Take(std::string_view number) {
-    Slot& slot = SlotOf(number);
-    if (slot.first == kNone || slot.taken) return kNone;
-    slot.taken = true;
+    const Place place = PlaceOf(number);
+    if (marks_[place.at] == kFree) return kNone;
+    marks_[place.at] = kTaken;
     --left_;
-    return slot.first;
+    return first_[place.at];
   }
   /// The number's next position.
   std::uint32_t Next(std::uint32_t position) const { return next_[position]; }
@@ -193,27 +200,30 @@ class WantedPoints {
   static constexpr std::uint32_t kNone = UINT32_MAX;
 
  private:
-  struct Slot {
-    std::uint32_t first = kNone;
-    std::uint32_t hash = 0;
-    bool taken = false;
+  // A mark is one of these or, from kFirstMark on, 7 bits of the number's hash.
+  static constexpr std::uint8_t kFree = 0;
+  static constexpr std::uint8_t kTaken = 1;
+  static constexpr std::uint8_t kFirstMark = 2;
+
+  struct Place {
+    std::size_t at;
+    std::uint8_t mark;  ///< the number's own
   };
 
-  static std::uint32_t HashOf(std::string_view number) {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>{}(number));
-  }
-  /// The number's slot, or the free one for it.
-  Slot& SlotOf(std::string_view number) {
-    const std::uint32_t hash = HashOf(number);
-    std::size_t at = hash & (slots_.size() - 1);
-    while (slots_[at].first != kNone && (slots_[at].hash != hash || numbers_[slots_[at].first] != number))
-      at = (at + 1) & (slots_.size() - 1);
-    return slots_[at];
+  /// The number's place, or the free one for it.
+  Place PlaceOf(std::string_view number) const {
+    const std::uint64_t hash = std::hash<std::string_view>{}(number);
+    const std::size_t last = marks_.size() - 1;
+    Place place{hash & last, static_cast<std::uint8_t>(kFirstMark + (hash >> 32) % 128)};
+    while (marks_[place.at] != kFree && (marks_[place.at] != place.mark || numbers_[first_[place.at]] != number))
+      place.at = (place.at + 1) & last;
+    return place;
   }
 
   const std::vector<std::string>& numbers_;
-  std::vector<Slot> slots_;
-  std::vector<std::uint32_t> next_;
+  std::vector<std::uint8_t> marks_;
+  std::vector<std::uint32_t> first_;  ///< by place: the number's first position
+  std::vector<std::uint32_t> next_;   ///< by position: the number's next one
   std::size_t left_ = 0;
 };
 
