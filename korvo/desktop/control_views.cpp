@@ -13,6 +13,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -144,7 +145,7 @@ class ButtonView : public ControlView {
   bool IsWide() const override { return false; }
 
  protected:
-  void ShowCaption(const QString& marked) override {
+  void ShowCaption(std::size_t /*which*/, const QString& marked) override {
     button_->setText(marked);
     // A single sign needs no more than a square.
     if (control().label().size() == 1) button_->setMaximumWidth(button_->sizeHint().height());
@@ -167,12 +168,26 @@ class TickView : public ControlView {
   bool IsWide() const override { return false; }
 
  protected:
-  void ShowCaption(const QString& marked) override { check_->setText(marked); }
+  void ShowCaption(std::size_t /*which*/, const QString& marked) override { check_->setText(marked); }
   void ShowContents() override { check_->setChecked(box_.ticked); }
 
  private:
   const toolkit::TickBox& box_;
   QCheckBox* check_;
+};
+
+/// One of a row of options: the toolkit goes along the row with the arrows to the sides alone.
+class Option : public QRadioButton {
+ public:
+  using QRadioButton::QRadioButton;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const int key = event->key() == Qt::Key_Up ? Qt::Key_Left : event->key() == Qt::Key_Down ? Qt::Key_Right : 0;
+    if (key == 0) return QRadioButton::keyPressEvent(event);
+    QKeyEvent along(event->type(), key, event->modifiers());
+    QRadioButton::keyPressEvent(&along);
+  }
 };
 
 class RadioView : public ControlView {
@@ -182,7 +197,7 @@ class RadioView : public ControlView {
     SetWidget(frame_);
     auto* row = new QHBoxLayout(frame_);
     for (std::size_t i = 0; i < group.options.size(); ++i) {
-      auto* button = new QRadioButton(AsCaption(group.options[i]), frame_);
+      auto* button = new Option(frame_);
       const bool numbered = i < group.option_ids.size();
       button->setObjectName(numbered ? NameOf(group.option_ids[i])
                                      : NameOf(group.id()) + QChar(u'.') + QString::number(i));
@@ -194,9 +209,20 @@ class RadioView : public ControlView {
       send(toolkit::OptionChosen{id, option});
     });
   }
+  std::vector<QWidget*> Stops() const override {
+    const QList<QAbstractButton*> buttons = buttons_->buttons();
+    return {buttons.begin(), buttons.end()};
+  }
 
  protected:
-  void ShowCaption(const QString& marked) override { frame_->setTitle(marked); }
+  std::vector<std::string> Captions() const override {
+    std::vector<std::string> captions = {control().label()};
+    captions.insert(captions.end(), group_.options.begin(), group_.options.end());
+    return captions;
+  }
+  void ShowCaption(std::size_t which, const QString& marked) override {
+    which == 0 ? frame_->setTitle(marked) : buttons_->button(static_cast<int>(which) - 1)->setText(marked);
+  }
   void ShowContents() override {
     buttons_->setExclusive(group_.chosen >= 0);
     for (QAbstractButton* button : buttons_->buttons()) button->setChecked(buttons_->id(button) == group_.chosen);
@@ -418,18 +444,31 @@ std::unique_ptr<ControlView> MakeTextView(const toolkit::TextField& field, QWidg
 
 }  // namespace
 
-QString ShortcutLetters::Mark(std::string_view ansi) {
+Place PlaceOf(const toolkit::Control& control) { return {control.pages_id, control.pages_id == 0 ? 0 : control.page}; }
+
+bool ShortcutLetters::IsTaken(QChar letter, const Place& place) const {
+  return std::any_of(taken_.begin(), taken_.end(), [&](const auto& other) {
+    const auto& [pages, page] = other.first;
+    // Of the pages of one sheet only one is in front.
+    const bool never_together = pages != 0 && pages == place.first && page != place.second;
+    return !never_together && other.second.contains(letter);
+  });
+}
+
+QString ShortcutLetters::Mark(std::string_view ansi, const Place& place, QChar* held) {
+  taken_[place].remove(*held);
   const QString text = AsLine(ansi).trimmed();
   qsizetype found = -1;
   // First letters of words are the ones that a person looks for.
   for (const bool first_letters : {true, false}) {
     for (qsizetype i = 0; i < text.size() && found < 0; ++i) {
       const bool starts = i == 0 || !text[i - 1].isLetterOrNumber();
-      if (!text[i].isLetterOrNumber() || starts != first_letters || taken_.contains(text[i].toCaseFolded())) continue;
+      if (!text[i].isLetterOrNumber() || starts != first_letters || IsTaken(text[i].toCaseFolded(), place)) continue;
       found = i;
     }
   }
-  if (found >= 0) taken_.insert(text[found].toCaseFolded());
+  *held = found >= 0 ? text[found].toCaseFolded() : QChar();
+  if (found >= 0) taken_[place].insert(*held);
   QString marked;
   for (qsizetype i = 0; i < text.size(); ++i) {
     if (i == found || text[i] == QChar(u'&')) marked += QChar(u'&');
@@ -450,17 +489,24 @@ void ControlView::AddLabel(QWidget* parent) {
   label_->setBuddy(widget_);
 }
 
-void ControlView::ShowCaption(const QString& marked) {
+void ControlView::ShowCaption(std::size_t /*which*/, const QString& marked) {
   if (label_ != nullptr) label_->setText(marked);
 }
 
-void ControlView::Show(ShortcutLetters* letters) {
-  if (shown_label_ != control_.label()) {
-    shown_label_ = control_.label();
-    // Enter and Escape are theirs already.
-    const bool has_key = control_.id() == toolkit::kOk || control_.id() == toolkit::kCancel;
-    ShowCaption(has_key ? AsCaption(control_.label()) : letters->Mark(control_.label()));
+void ControlView::ShowCaptions(ShortcutLetters* letters) {
+  const std::vector<std::string> captions = Captions();
+  captions_.resize(captions.size());
+  // Enter and Escape are theirs already.
+  const bool has_key = control_.id() == toolkit::kOk || control_.id() == toolkit::kCancel;
+  for (std::size_t i = 0; i < captions.size() && control_.visible; ++i) {
+    Caption& caption = captions_[i];
+    if (caption.shown == captions[i]) continue;
+    caption.shown = captions[i];
+    ShowCaption(i, has_key ? AsCaption(captions[i]) : letters->Mark(captions[i], PlaceOf(control_), &caption.letter));
   }
+}
+
+void ControlView::Show() {
   ShowContents();
   for (QWidget* widget : {static_cast<QWidget*>(label_), widget_}) {
     if (widget == nullptr) continue;
@@ -475,6 +521,12 @@ PagesView::PagesView(const toolkit::Pages& pages, QWidget* parent, const Send& s
   QObject::connect(tabs_, &QTabWidget::currentChanged, tabs_, [send, id = pages.id()](int page) {
     send(toolkit::PageTurned{id, page});
   });
+  // The tabs' own keys work only while the keyboard is on a page.
+  const auto turn = [this](int step) {
+    tabs_->setCurrentIndex((tabs_->currentIndex() + step + tabs_->count()) % tabs_->count());
+  };
+  new QShortcut(QKeySequence::NextChild, tabs_, [turn] { turn(1); });
+  new QShortcut(QKeySequence::PreviousChild, tabs_, [turn] { turn(-1); });
 }
 
 QWidget* PagesView::Page(int index) {
@@ -485,18 +537,14 @@ QWidget* PagesView::Page(int index) {
   return made_[static_cast<std::size_t>(index)];
 }
 
+void PagesView::ShowCaption(std::size_t which, const QString& marked) {
+  tabs_->setTabText(static_cast<int>(which), marked);
+}
+
 void PagesView::ShowContents() {
   const int count = static_cast<int>(pages_.captions.size());
   while (tabs_->count() > count) tabs_->removeTab(tabs_->count() - 1);
   while (tabs_->count() < count) tabs_->addTab(Page(tabs_->count()), QString());
-  shown_captions_.resize(pages_.captions.size());
-  for (int i = 0; i < count; ++i) {
-    const std::string& caption = pages_.captions[static_cast<std::size_t>(i)];
-    std::string& shown = shown_captions_[static_cast<std::size_t>(i)];
-    if (shown == caption) continue;
-    shown = caption;
-    tabs_->setTabText(i, AsCaption(caption));
-  }
   if (tabs_->currentIndex() != pages_.current) tabs_->setCurrentIndex(pages_.current);
 }
 

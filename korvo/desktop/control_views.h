@@ -6,23 +6,32 @@
 #include <QTabWidget>
 #include <QWidget>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "toolkit/dialog.h"
 
 namespace korvo {
 
-/// Letters that press or reach a control together with Alt, each at most once.
+/// Where a control stands: pages and page, 0 and 0 for the window itself.
+using Place = std::pair<toolkit::ControlId, int>;
+Place PlaceOf(const toolkit::Control& control);
+
+/// Letters that press or reach a control together with Alt, each at most once among all that are in sight together.
 class ShortcutLetters {
  public:
-  /// The text as one line with one of its letters marked; without a mark where all of its letters are taken.
-  QString Mark(std::string_view ansi);
+  /// The text as one line with one of its letters marked; without a mark where all of its letters are taken. `held` is
+  /// the letter of the text before, which is given back, and becomes the one that is marked now.
+  QString Mark(std::string_view ansi, const Place& place, QChar* held);
 
  private:
-  QSet<QChar> taken_;
+  bool IsTaken(QChar letter, const Place& place) const;
+
+  std::map<Place, QSet<QChar>> taken_;
 };
 
 /// The widgets of one control. They bear the control's number as their object name and belong to their parent widget;
@@ -48,20 +57,29 @@ class ControlView {
   /// Its widgets that the keyboard comes to, in order.
   virtual std::vector<QWidget*> Stops() const { return {widget_}; }
 
-  /// Brings the widgets up to what the control holds now.
-  void Show(ShortcutLetters* letters);
+  /// Brings the widgets up to what the control holds now, but for its captions.
+  void Show();
+  /// Brings its captions up to date. One that stays the same keeps its letter; those of a control that has not been
+  /// visible yet take none.
+  void ShowCaptions(ShortcutLetters* letters);
 
  protected:
   void SetWidget(QWidget* widget);
   void AddLabel(QWidget* parent);
-  virtual void ShowCaption(const QString& marked);
+  /// All that a letter can be marked in.
+  virtual std::vector<std::string> Captions() const { return {control_.label()}; }
+  virtual void ShowCaption(std::size_t which, const QString& marked);
   virtual void ShowContents() = 0;
 
  private:
+  struct Caption {
+    std::optional<std::string> shown;
+    QChar letter;
+  };
   const toolkit::Control& control_;
   QWidget* widget_ = nullptr;
   QLabel* label_ = nullptr;
-  std::optional<std::string> shown_label_;
+  std::vector<Caption> captions_;
 };
 
 /// A sheet of pages; whoever lays the dialog out fills them.
@@ -73,13 +91,14 @@ class PagesView : public ControlView {
   QWidget* Page(int index);
 
  protected:
+  std::vector<std::string> Captions() const override { return pages_.captions; }
+  void ShowCaption(std::size_t which, const QString& marked) override;
   void ShowContents() override;
 
  private:
   const toolkit::Pages& pages_;
   QTabWidget* tabs_;
   std::vector<QWidget*> made_;
-  std::vector<std::string> shown_captions_;
 };
 
 /// The view of any control, its widgets below `parent`.

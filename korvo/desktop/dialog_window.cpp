@@ -113,10 +113,6 @@ std::size_t DialogWindow::ButtonsAtEnd() const {
   return static_cast<std::size_t>(std::find_if_not(views_.rbegin(), views_.rend(), is_last) - views_.rbegin());
 }
 
-DialogWindow::Place DialogWindow::PlaceOf(const Control& control) {
-  return {control.pages_id, control.pages_id == 0 ? 0 : control.page};
-}
-
 DialogWindow::Area& DialogWindow::AreaOf(const Control& control) {
   const Place place = PlaceOf(control);
   Area& outer = areas_[{place, std::string()}];
@@ -197,12 +193,22 @@ void DialogWindow::SetTabOrder() {
 void DialogWindow::FocusFirst() {
   for (const bool buttons : {false, true}) {
     for (const auto& view : views_) {
-      QWidget* widget = view->widget();
-      const bool can = view->control().enabled && dialog_.Shows(view->control()) &&
-                       ((widget->focusPolicy() & Qt::TabFocus) != 0 || widget->focusProxy() != nullptr);
-      if (!can || IsButton(*view) != buttons) continue;
-      widget->setFocus();
-      return;
+      if (!view->control().enabled || !dialog_.Shows(view->control()) || IsButton(*view) != buttons) continue;
+      for (QWidget* stop : view->Stops()) {
+        if (stop->isEnabled() && (stop->focusPolicy() & Qt::TabFocus) != 0) return stop->setFocus();
+      }
+    }
+  }
+}
+
+void DialogWindow::ShowCaptions() {
+  // What is in sight at all times chooses first; a page then has what is left, and the tabs have other keys.
+  const auto rank = [](const ControlView& view) {
+    return view.control().kind() == Kind::kPages ? 2 : view.control().pages_id != 0 ? 1 : 0;
+  };
+  for (const int now : {0, 1, 2}) {
+    for (const auto& view : views_) {
+      if (rank(*view) == now) view->ShowCaptions(&letters_);
     }
   }
 }
@@ -210,7 +216,8 @@ void DialogWindow::FocusFirst() {
 void DialogWindow::ShowControls() {
   showing_ = true;
   setWindowTitle(AsLine(dialog_.title()));
-  for (const auto& view : views_) view->Show(&letters_[PlaceOf(view->control())]);
+  for (const auto& view : views_) view->Show();
+  ShowCaptions();
   for (const auto& [place, area] : areas_) {
     const auto shows = [](const ControlView* view) { return view->control().visible; };
     const auto has_shown = [&](const Row& row) { return std::any_of(row.begin(), row.end(), shows); };

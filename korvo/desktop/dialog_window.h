@@ -30,7 +30,6 @@ class DialogWindow : public QDialog {
   void reject() override;
 
  private:
-  using Place = std::pair<toolkit::ControlId, int>;  ///< pages and page, 0 and 0 for the window itself
   using Row = std::vector<ControlView*>;
   struct Area {
     QGridLayout* grid = nullptr;
@@ -46,8 +45,8 @@ class DialogWindow : public QDialog {
   void AddButtons(QBoxLayout* row, std::size_t from);
   void SetTabOrder();
   void FocusFirst();
+  void ShowCaptions();
   void Send(const toolkit::Event& event);
-  static Place PlaceOf(const toolkit::Control& control);
   QString SizeKey() const;
 
   toolkit::Dialog& dialog_;
@@ -55,7 +54,7 @@ class DialogWindow : public QDialog {
   std::function<void()> ended_;
   bool showing_ = false;
   std::vector<std::unique_ptr<ControlView>> views_;  ///< in order of the controls
-  std::map<Place, ShortcutLetters> letters_;
+  ShortcutLetters letters_;
   std::map<std::pair<Place, std::string>, Area> areas_;  ///< by place and caption of the group
 };
 

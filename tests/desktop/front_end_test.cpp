@@ -121,6 +121,70 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
   Run(dialog);
 }
 
+TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
+  TextField application(9001, "Antrag");
+  toolkit::Pages pages(9002, {"Objekt", "Ort"});
+  TextField art(9003, "Art");
+  toolkit::Button other(9004, "Neu");
+  TextField area(9005, "Art");
+  toolkit::RadioGroup action(9006, "Aktion", {"Neupunkt", "Nichts", "Punkt"}, {9007, 9008, 9009});
+  toolkit::Button remove(9010, "Entfernen");
+  toolkit::Button hidden(9011, "Ohne");
+  for (toolkit::Control* control : std::initializer_list<toolkit::Control*>{&art, &other, &area})
+    control->pages_id = 9002;
+  area.page = 1;
+  hidden.visible = false;
+  PlayedDlg dialog({&application, &pages, &art, &other, &area, &action, &remove, &hidden});
+  std::string pressed;
+  dialog.pressed = [&](toolkit::ControlId id) {
+    pressed += std::to_string(id) + " ";
+    if (id == 9010) remove.SetLabel("Antrag weg");
+    if (id == toolkit::kCancel) dialog.End(id);
+  };
+  const struct {
+    Qt::Key key;
+    Qt::KeyboardModifiers with;
+    const char* focus;  ///< where the keyboard is then, and what stands by then
+    const char* stands;
+  } kSteps[] = {
+      {Qt::Key_A, Qt::AltModifier, "9001", "0 -1 "},
+      {Qt::Key_R, Qt::AltModifier, "9003", "0 -1 "},  // of both pages, the one in front
+      {Qt::Key_Tab, {}, "9004", "0 -1 "},
+      {Qt::Key_Tab, {}, "9007", "0 -1 "},
+      {Qt::Key_Tab, {}, "9010", "0 -1 "},  // nothing is chosen yet, and still it is one stop
+      {Qt::Key_R, Qt::AltModifier, "9003", "0 -1 "},
+      {Qt::Key_Tab, Qt::ControlModifier, "9005", "1 -1 "},
+      {Qt::Key_Tab, Qt::ControlModifier, "9003", "0 -1 "},
+      {Qt::Key_T, Qt::AltModifier, "9005", "1 -1 "},  // the tab "Ort": its other letters are taken
+      {Qt::Key_A, Qt::AltModifier, "9001", "1 -1 "},
+      {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, "9001", "0 -1 "},
+      {Qt::Key_N, Qt::AltModifier, "9007", "0 0 "},
+      {Qt::Key_Down, {}, "9008", "0 1 "},
+      {Qt::Key_Tab, {}, "9010", "0 1 "},
+      {Qt::Key_Backtab, Qt::ShiftModifier, "9008", "0 1 "},
+      {Qt::Key_P, Qt::AltModifier, "9009", "0 2 "},
+      {Qt::Key_E, Qt::AltModifier, "9009", "0 2 9010 "},
+      {Qt::Key_E, Qt::AltModifier, "9009", "0 2 9010 "},  // given back with the caption
+      {Qt::Key_W, Qt::AltModifier, "9009", "0 2 9010 9010 "},
+      {Qt::Key_A, Qt::AltModifier, "9001", "0 2 9010 9010 "},
+  };
+  Then([&](QWidget* window) {
+    for (const auto& step : kSteps) {
+      SCOPED_TRACE(&step - kSteps);
+      QTest::keyClick(window->focusWidget(), step.key, step.with);
+      // A button shows for a moment that it is pressed.
+      const QList<QAbstractButton*> buttons = window->findChildren<QAbstractButton*>();
+      const auto is_down = [](const QAbstractButton* one) { return one->isDown(); };
+      EXPECT_TRUE(QTest::qWaitFor([&] { return std::none_of(buttons.begin(), buttons.end(), is_down); }));
+      EXPECT_EQ(window->focusWidget()->objectName().toStdString(), step.focus);
+      EXPECT_EQ(std::to_string(pages.current) + " " + std::to_string(action.chosen) + " " + pressed, step.stands);
+      EXPECT_EQ(pilot::Difference(static_cast<korvo::DialogWindow&>(*window)), "");
+    }
+    window->close();
+  });
+  Run(dialog);
+}
+
 TEST_F(Windows, ListsOfManyRowsAreToldOfChangesAtOnce) {
   constexpr int kRows = 100000;
   toolkit::ChoiceList choice(9001, "Wahl:", false);

@@ -6,6 +6,7 @@
 #include <QListView>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QTabBar>
 #include <QTest>
 #include <type_traits>
@@ -75,6 +76,12 @@ const C& As(const toolkit::Control& control) {
   return static_cast<const C&>(control);
 }
 
+/// A caption as the person reads it.
+QString Unmarked(const QString& caption) {
+  static const QRegularExpression mark(QStringLiteral("&(.)"));
+  return QString(caption).replace(mark, QStringLiteral("\\1"));
+}
+
 bool ShowsContents(const toolkit::Control& control, const QWidget& widget) {
   const auto* const edit = qobject_cast<const QLineEdit*>(&widget);
   const auto* const lines = qobject_cast<const QPlainTextEdit*>(&widget);
@@ -110,7 +117,7 @@ bool ShowsContents(const toolkit::Control& control, const QWidget& widget) {
       const auto& captions = As<toolkit::Pages>(control).captions;
       const auto& tabs = static_cast<const QTabWidget&>(widget);
       for (std::size_t i = 0; i < captions.size(); ++i) {
-        if (tabs.tabText(static_cast<int>(i)) != korvo::AsCaption(captions[i])) return false;
+        if (Unmarked(tabs.tabText(static_cast<int>(i))) != korvo::AsLine(captions[i]).trimmed()) return false;
       }
       return tabs.currentIndex() == As<toolkit::Pages>(control).current;
     }
