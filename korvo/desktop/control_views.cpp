@@ -34,6 +34,8 @@ constexpr qsizetype kLongestLine = 500;
 constexpr int kShortestChoice = 16;
 constexpr int kShortestEdit = 16;
 constexpr int kVisibleRows = 12;
+constexpr QRgb kFaultBase = 0xFFFFE5E5;
+constexpr QRgb kFaultText = 0xFF9C0006;
 
 QString NameOf(toolkit::ControlId id) { return QString::number(id); }
 
@@ -235,28 +237,8 @@ class RadioView : public ControlView {
   QButtonGroup* buttons_;
 };
 
-/// A day as text. The toolkit's own field takes another day than the one typed where the day does not fit the month
-/// that stood there before.
-class DayEdit : public QLineEdit {
- public:
-  using QLineEdit::QLineEdit;
-
-  std::optional<platform::CivilTime> day() const {
-    std::optional<platform::CivilTime> typed = ToDay(Trim(ToAnsi(text())));
-    if (typed && typed->year >= 0 && typed->year < 100) typed->year += 2000;
-    return typed && QDate::isValid(typed->year, typed->month, typed->day) ? typed : std::nullopt;
-  }
-
- protected:
-  void keyPressEvent(QKeyEvent* event) override {
-    // Enter must not confirm the window with a day that nobody has typed.
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (!enter || day()) return QLineEdit::keyPressEvent(event);
-    selectAll();
-    event->accept();
-  }
-};
-
+/// A day as text: the toolkit's own field takes another day than the one typed where the day does not fit the month
+/// that stood there before. A text that is no day stays for the person to mend, and the control keeps its day.
 class DateView : public ControlView {
  public:
   DateView(const toolkit::DateField& field, QWidget* parent, const Send& send)
@@ -272,34 +254,45 @@ class DateView : public ControlView {
         send_(toolkit::DaySet{field_.id(), on, field_.day});
       });
     }
-    edit_ = new DayEdit(box_);
+    edit_ = new QLineEdit(box_);
     edit_->setObjectName(box_->objectName());
     edit_->setPlaceholderText(QStringLiteral("TT.MM.JJJJ"));
     edit_->setFixedWidth(edit_->fontMetrics().horizontalAdvance(QStringLiteral("00.00.0000")) * 3 / 2);
     row->addWidget(edit_);
     AddCalendar(row);
+    fault_ = new QLabel(QStringLiteral("Kein gültiger Tag (TT.MM.JJJJ)"), box_);
+    fault_->setObjectName(edit_->objectName() + QStringLiteral(".fehler"));
+    fault_->hide();
+    row->addWidget(fault_);
     row->addStretch(1);
+    plain_ = edit_->palette();
     box_->setObjectName(edit_->objectName() + QStringLiteral(".feld"));
     box_->setFocusProxy(on_ != nullptr ? static_cast<QWidget*>(on_) : edit_);
     AddLabel(parent);
     // A year of fewer digits may still grow.
     QObject::connect(edit_, &QLineEdit::textEdited, box_, [this](const QString& text) {
       if (text.trimmed().section(QChar(u'.'), 2).size() == 4) Tell();
+      if (IsHeld()) Mark(false);
     });
-    QObject::connect(edit_, &QLineEdit::editingFinished, box_, [this] { Tell(); });
+    QObject::connect(edit_, &QLineEdit::editingFinished, box_, [this] { Leave(); });
   }
   std::vector<QWidget*> Stops() const override {
     return on_ != nullptr ? std::vector<QWidget*>{on_, edit_, open_} : std::vector<QWidget*>{edit_, open_};
   }
+  bool IsHeld() const override { return !edit_->isEnabled() || !edit_->isModified() || TypedDay(); }
+  void PointOut() override {
+    Mark(true);
+    edit_->setFocus();
+    edit_->selectAll();
+  }
 
  protected:
   void ShowContents() override {
-    // What is being typed stays until it is a day or left.
-    if (edit_->hasFocus() && edit_->isModified()) {
-      const std::optional<platform::CivilTime> typed = edit_->day();
-      if (!typed || SameDay(*typed, field_.day)) return;
-    }
-    ShowDay();
+    if (on_ != nullptr) on_->setChecked(field_.on);
+    edit_->setEnabled(field_.on);
+    open_->setEnabled(field_.on);
+    // What the person types stands until a rule sets another day.
+    if (!field_.on || !edit_->isModified() || !SameDay(field_.day, shown_)) ShowDay();
   }
 
  private:
@@ -307,18 +300,47 @@ class DateView : public ControlView {
     return a.year == b.year && a.month == b.month && a.day == b.day;
   }
 
+  std::optional<platform::CivilTime> TypedDay() const {
+    std::optional<platform::CivilTime> typed = ToDay(Trim(ToAnsi(edit_->text())));
+    if (!typed || typed->year < 0 || typed->year > 9999) return std::nullopt;
+    if (typed->year < 100) typed->year += 2000;
+    return QDate::isValid(typed->year, typed->month, typed->day) ? typed : std::nullopt;
+  }
+
   void ShowDay() {
-    const bool is_day = QDate::isValid(field_.day.year, field_.day.month, field_.day.day);
-    edit_->setText(is_day ? FromAnsi(DayText(field_.day)) : QString());
-    if (on_ != nullptr) on_->setChecked(field_.on);
-    edit_->setEnabled(field_.on);
-    open_->setEnabled(field_.on);
+    shown_ = field_.day;
+    const bool is_day = QDate::isValid(shown_.year, shown_.month, shown_.day);
+    edit_->setText(is_day ? FromAnsi(DayText(shown_)) : QString());
+    Mark(false);
   }
 
   void Tell() {
-    const std::optional<platform::CivilTime> typed = edit_->day();
-    if (typed && !SameDay(*typed, field_.day)) send_(toolkit::DaySet{field_.id(), true, *typed});
-    if (!edit_->hasFocus()) ShowDay();
+    const std::optional<platform::CivilTime> typed = TypedDay();
+    if (!typed || SameDay(*typed, field_.day)) return;
+    shown_ = *typed;
+    send_(toolkit::DaySet{field_.id(), true, *typed});
+  }
+
+  void Leave() {
+    if (!edit_->isModified()) return;
+    if (field_.can_be_off && edit_->text().trimmed().isEmpty()) {
+      // Left by Enter: else the keyboard would go on to a button, which Enter would then press.
+      if (edit_->hasFocus()) on_->setFocus();
+      return send_(toolkit::DaySet{field_.id(), false, field_.day});
+    }
+    Tell();
+    IsHeld() ? ShowDay() : Mark(true);
+  }
+
+  void Mark(bool wrong) {
+    QPalette palette = plain_;
+    if (wrong) {
+      palette.setColor(QPalette::Base, kFaultBase);
+      palette.setColor(QPalette::Text, kFaultText);
+    }
+    edit_->setPalette(palette);
+    edit_->setToolTip(wrong ? fault_->text() : QString());
+    fault_->setVisible(wrong);
   }
 
   void AddCalendar(QHBoxLayout* row) {
@@ -351,9 +373,12 @@ class DateView : public ControlView {
   const toolkit::DateField& field_;
   Send send_;
   QWidget* box_;
-  DayEdit* edit_ = nullptr;
+  QLineEdit* edit_ = nullptr;
   QToolButton* open_ = nullptr;
   QCheckBox* on_ = nullptr;
+  QLabel* fault_ = nullptr;
+  QPalette plain_;
+  platform::CivilTime shown_;  ///< the day of the control that the text stands for, or was typed over
 };
 
 class ChoiceView : public ControlView {

@@ -57,6 +57,11 @@ class ControlView {
   /// Its widgets that the keyboard comes to, in order.
   virtual std::vector<QWidget*> Stops() const { return {widget_}; }
 
+  /// Whether the control holds what is shown: what is no value of its kind is shown alone.
+  virtual bool IsHeld() const { return true; }
+  /// Says beside what is not held what is wrong with it, and brings the keyboard there.
+  virtual void PointOut() {}
+
   /// Brings the widgets up to what the control holds now, but for its captions.
   void Show();
   /// Brings its captions up to date. One that stays the same keeps its letter; those of a control that has not been

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <variant>
 
 #include "korvo/desktop/settings.h"
 #include "korvo/desktop/text.h"
@@ -113,16 +114,21 @@ std::size_t DialogWindow::ButtonsAtEnd() const {
   return static_cast<std::size_t>(std::find_if_not(views_.rbegin(), views_.rend(), is_last) - views_.rbegin());
 }
 
+PagesView* DialogWindow::PagesOf(const Control& control) const {
+  const auto pages = std::find_if(views_.begin(), views_.end(), [&](const auto& view) {
+    return view->control().kind() == Kind::kPages && view->control().id() == control.pages_id;
+  });
+  return pages == views_.end() ? nullptr : static_cast<PagesView*>(pages->get());
+}
+
 DialogWindow::Area& DialogWindow::AreaOf(const Control& control) {
   const Place place = PlaceOf(control);
   Area& outer = areas_[{place, std::string()}];
   if (outer.grid == nullptr) {
-    const auto pages = std::find_if(views_.begin(), views_.end(), [&](const auto& view) {
-      return view->control().kind() == Kind::kPages && view->control().id() == control.pages_id;
-    });
+    PagesView* const pages = PagesOf(control);
     // Pages that are not there leave their controls in the window.
-    if (pages == views_.end()) return areas_.at({Place(), std::string()});
-    QWidget* page = static_cast<PagesView&>(**pages).Page(control.page);
+    if (pages == nullptr) return areas_.at({Place(), std::string()});
+    QWidget* page = pages->Page(control.page);
     outer = {new QGridLayout(page), nullptr, {}};
   }
   if (control.group.empty()) return outer;
@@ -226,8 +232,26 @@ void DialogWindow::ShowControls() {
   showing_ = false;
 }
 
+bool DialogWindow::PointOutFault() {
+  const auto in_use = [](const Control& control) { return control.visible && control.enabled; };
+  for (const auto& view : views_) {
+    const Control& control = view->control();
+    if (view->IsHeld() || !in_use(control)) continue;
+    if (!dialog_.Shows(control)) {
+      const ControlView* pages = PagesOf(control);
+      if (pages == nullptr || !in_use(pages->control())) continue;
+      Send(toolkit::PageTurned{control.pages_id, control.page});
+    }
+    if (dialog_.IsOpen()) view->PointOut();
+    return true;
+  }
+  return false;
+}
+
 void DialogWindow::Send(const toolkit::Event& event) {
   if (showing_) return;
+  const auto* pressed = std::get_if<toolkit::Pressed>(&event);
+  if (pressed != nullptr && pressed->id == toolkit::kOk && PointOutFault()) return;
   waits_.InPlugin([&] { dialog_.Handle(event); });
   if (!dialog_.IsOpen()) return ended_();
   ShowControls();

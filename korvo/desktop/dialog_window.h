@@ -40,6 +40,8 @@ class DialogWindow : public QDialog {
   void MakeViews();
   /// How many controls at the end are buttons: they stand in the window's last row.
   std::size_t ButtonsAtEnd() const;
+  /// The pages that the control stands on, or null.
+  PagesView* PagesOf(const toolkit::Control& control) const;
   Area& AreaOf(const toolkit::Control& control);
   void LayOut(Area& area);
   void AddButtons(QBoxLayout* row, std::size_t from);
@@ -47,6 +49,8 @@ class DialogWindow : public QDialog {
   void FocusFirst();
   void ShowCaptions();
   void Send(const toolkit::Event& event);
+  /// Shows the person the first field in use whose control does not hold what is shown, if there is one.
+  bool PointOutFault();
   QString SizeKey() const;
 
   toolkit::Dialog& dialog_;

@@ -18,6 +18,7 @@
 #include "entry/host/host.h"
 #include "korvo/desktop/application.h"
 #include "korvo/desktop/text.h"
+#include "korvo/words/words.h"
 #include "tests/desktop/desktop_case.h"
 #include "tests/desktop/pilot/hands.h"
 #include "tests/support/fault_leaks.h"
@@ -183,6 +184,75 @@ TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
     window->close();
   });
   Run(dialog);
+}
+
+TEST_F(Windows, ConfirmNoTextThatIsNoDay) {
+  const struct {
+    const char* typed;
+    bool may_be_off;
+    const char* shown;  ///< once the field is left
+    const char* holds;
+    bool goes;  ///< whether the window can be confirmed
+  } kCases[] = {
+      {"29.2.24", false, "29.02.2024", "29.02.2024 an", true},
+      {"31.02.2024", false, "31.02.2024", "23.11.2026 an", false},
+      {"31.02.2024", true, "31.02.2024", "23.11.2026 an", false},
+      {"0.1.2024", false, "0.1.2024", "23.11.2026 an", false},
+      {"", false, "", "23.11.2026 an", false},
+      {"", true, "23.11.2026", "23.11.2026 aus", true},
+  };
+  for (const auto& c : kCases) {
+    for (const bool by_key : {false, true}) {
+      SCOPED_TRACE(std::string(c.typed) + (by_key ? " Enter" : ""));
+      toolkit::Pages pages(9001, {"Objekt", "Ort"});
+      toolkit::DateField day(9002, "Tag:", c.may_be_off);
+      toolkit::TickBox other(9003, "Anderes");
+      toolkit::Button change(9004, "Ander");
+      toolkit::Button ok(toolkit::kOk, "OK");
+      day.pages_id = other.pages_id = pages.id();
+      day.page = 1;
+      day.day = {2026, 11, 23};
+      PlayedDlg dialog({&pages, &other, &day, &change, &ok});
+      std::string pressed;
+      dialog.pressed = [&](toolkit::ControlId id) {
+        pressed += std::to_string(id);
+        if (id == 9004) day.day = {2020, 1, 2};
+        if (id == toolkit::kCancel) dialog.End(id);
+      };
+      Then([&](QWidget* window) {
+        auto& dialog_window = static_cast<korvo::DialogWindow&>(*window);
+        auto* const edit = window->findChild<QLineEdit*>(QStringLiteral("9002"));
+        auto* const fault = window->findChild<QLabel*>(QStringLiteral("9002.fehler"));
+        pilot::Do(dialog_window, toolkit::PageTurned{9001, 1});
+        edit->setFocus();
+        edit->selectAll();
+        QTest::keyClick(edit, Qt::Key_Delete);
+        QTest::keyClicks(edit, QString::fromUtf8(c.typed));
+        EXPECT_FALSE(fault->isVisible()) << "not while it is being typed";
+        if (!by_key) {
+          QTest::keyClick(edit, Qt::Key_Tab);
+          EXPECT_EQ(fault->isVisible(), !c.goes);
+          pilot::Do(dialog_window, toolkit::PageTurned{9001, 0});
+        }
+        by_key ? QTest::keyClick(edit, Qt::Key_Return) : QTest::mouseClick(pilot::Find(*window, 1), Qt::LeftButton);
+        EXPECT_EQ(pressed, c.goes ? "1" : "");
+        EXPECT_EQ(edit->text(), QString::fromUtf8(c.shown));
+        EXPECT_EQ(korvo::DayText(day.day) + (day.on ? " an" : " aus"), c.holds);
+        if (!c.goes) {
+          EXPECT_EQ(window->focusWidget(), edit);
+          EXPECT_TRUE(fault->isVisible());
+          QTest::mouseClick(pilot::Find(*window, 9004), Qt::LeftButton);
+          EXPECT_EQ(edit->text(), QStringLiteral("02.01.2020")) << "what a rule sets stands";
+          EXPECT_FALSE(fault->isVisible());
+          edit->setFocus();
+          QTest::keyClick(edit, Qt::Key_X);
+        }
+        QTest::keyClick(window, Qt::Key_Escape);
+        EXPECT_FALSE(dialog.IsOpen());
+      });
+      Run(dialog);
+    }
+  }
 }
 
 TEST_F(Windows, ListsOfManyRowsAreToldOfChangesAtOnce) {
