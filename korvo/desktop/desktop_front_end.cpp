@@ -1,16 +1,10 @@
 #include "korvo/desktop/desktop_front_end.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFileDialog>
-#include <QFileIconProvider>
 #include <QFileInfo>
-#include <QHeaderView>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTreeView>
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -18,10 +12,9 @@
 #include "base/text.h"
 #include "entry/host/host.h"
 #include "korvo/desktop/dialog_window.h"
-#include "korvo/desktop/settings.h"
+#include "korvo/desktop/picker.h"
 #include "korvo/desktop/text.h"
 #include "korvo/host/points.h"
-#include "korvo/host/project.h"
 
 namespace korvo {
 
@@ -34,7 +27,6 @@ constexpr const char* kOtherClass = "Dialog";
 /// Longer texts of a box would make it larger than the screen; they can be unfolded.
 constexpr qsizetype kLongestText = 1500;
 constexpr qsizetype kMostLines = 30;
-constexpr QSize kPickerSize(860, 520);  // with dates that can be read
 
 toolkit::Window HandleOf(const QWidget* widget) { return reinterpret_cast<toolkit::Window>(widget); }
 
@@ -92,27 +84,6 @@ void SetText(QMessageBox* box, const QString& text) {
   box->setTextFormat(Qt::PlainText);
   box->setText(is_long ? front + QChar(u'…') : text);
   if (is_long) box->setDetailedText(text);
-}
-
-/// Tells files by their being, not by what is in them: of some that look like files nothing ever comes.
-class PlainIcons : public QFileIconProvider {
- public:
-  QIcon icon(const QFileInfo& info) const override { return info.isDir() ? folder_ : file_; }
-  QString type(const QFileInfo& info) const override {
-    return info.isDir() ? QStringLiteral("Ordner") : info.suffix().toUpper() + QStringLiteral("-Datei");
-  }
-
- private:
-  QIcon folder_ = QFileIconProvider::icon(Folder);
-  QIcon file_ = QFileIconProvider::icon(File);
-};
-
-QString FolderKey() { return QStringLiteral("ordner/letzter"); }
-
-QString LastFolder() {
-  QString folder = Remembered().value(FolderKey()).toString();
-  if (!folder.isEmpty() && QDir(folder).exists()) return folder;
-  return QString::fromStdString(path::ToDisk(ProjectFolder()));
 }
 
 }  // namespace
@@ -198,14 +169,8 @@ int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, 
   return answer;
 }
 
-bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
-  if (icons_ == nullptr) icons_ = std::make_unique<PlainIcons>();
-  picker->setIconProvider(icons_.get());
+bool DesktopFrontEnd::RunPicker(Picker* picker, std::string* path) {
   picker->setWindowModality(Qt::ApplicationModal);
-  picker->resize(kPickerSize);
-  for (const QTreeView* files : picker->findChildren<QTreeView*>()) {
-    files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  }
   for (;;) {
     {
       Waits::Wait wait(waits_, [&] { picker->reject(); });
@@ -218,8 +183,7 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
     const QString chosen = picker->selectedFiles().value(0);
     if (const std::optional<std::string> inside = path::FromDisk(chosen.toStdString())) {
       *path = *inside;
-      const QFileInfo facts(chosen);
-      Remembered().setValue(FolderKey(), facts.isDir() ? facts.absoluteFilePath() : facts.absolutePath());
+      Picker::Remember(chosen);
       return true;
     }
     ShowBox(std::string("Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252): "_ansi) +
@@ -231,8 +195,7 @@ bool DesktopFrontEnd::RunPicker(QFileDialog* picker, std::string* path) {
 bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) {
   const UnderHandlers hosts(waits_.hosts_handlers());
   ShowDialogs();
-  QFileDialog picker(Below(pick.owner), AsLine(pick.title), LastFolder());
-  picker.setOption(QFileDialog::DontUseNativeDialog);
+  Picker picker(Below(pick.owner), AsLine(pick.title));
   picker.setAcceptMode(pick.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   picker.setFileMode(pick.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   picker.setOption(QFileDialog::DontConfirmOverwrite, !pick.ask_before_overwrite);
@@ -258,8 +221,7 @@ bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path,
 bool DesktopFrontEnd::PickFolder(const std::string& title, toolkit::Window parent, std::string* path) {
   const UnderHandlers hosts(waits_.hosts_handlers());
   ShowDialogs();
-  QFileDialog picker(Below(parent), AsLine(title), LastFolder());
-  picker.setOption(QFileDialog::DontUseNativeDialog);
+  Picker picker(Below(parent), AsLine(title));
   picker.setOption(QFileDialog::ShowDirsOnly);
   picker.setFileMode(QFileDialog::Directory);
   return RunPicker(&picker, path);

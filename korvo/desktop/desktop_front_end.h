@@ -3,20 +3,18 @@
 
 #include <QDateTime>
 #include <QString>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "korvo/desktop/shell.h"
 #include "korvo/host/front_end.h"
 
-class QFileDialog;
-class QFileIconProvider;
 class QWidget;
 
 namespace korvo {
 
 class DialogWindow;
+class Picker;
 
 class DesktopFrontEnd : public FrontEnd {
  public:
@@ -43,15 +41,14 @@ class DesktopFrontEnd : public FrontEnd {
   /// Brings the open dialogs up to date before something opens above them.
   void ShowDialogs();
   /// Runs a picker until it has a path that the plug-in can be told; false when the person cancelled.
-  bool RunPicker(QFileDialog* picker, std::string* path);
+  bool RunPicker(Picker* picker, std::string* path);
   /// Looks whether the file of the last save picker has been written since.
   void TellSaved();
 
   Shell& shell_;
   Waits& waits_;
   const platform::Clock& clock_;
-  std::vector<DialogWindow*> windows_;        ///< open dialogs, the innermost last
-  std::unique_ptr<QFileIconProvider> icons_;  ///< of the pickers
+  std::vector<DialogWindow*> windows_;  ///< open dialogs, the innermost last
   QString saved_path_;
   QDateTime saved_before_;  ///< when the file was last written before the picker; not valid where it was not there
 };

@@ -4,10 +4,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScopeGuard>
 #include <QSplitter>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -18,6 +18,7 @@
 #include "korvo/desktop/find_bar.h"
 #include "korvo/desktop/nas_window.h"
 #include "korvo/desktop/notice_bar.h"
+#include "korvo/desktop/picker.h"
 #include "korvo/desktop/point_table_view.h"
 #include "korvo/desktop/recent_menu.h"
 #include "korvo/desktop/settings.h"
@@ -35,9 +36,18 @@ namespace {
 constexpr int kMessageTime = 8000;
 constexpr const char* kCommands = "PKTAUMEN";
 
+/// An existing file; empty where the person picks none.
+QString AskForFile(QWidget* parent, const QString& title, const QStringList& filters) {
+  Picker picker(parent, title);
+  picker.setFileMode(QFileDialog::ExistingFile);
+  picker.setNameFilters(filters);
+  return picker.Ask();
+}
+
 }  // namespace
 
-MainWindow::MainWindow(Waits& waits, std::string library) : waits_(waits), library_(std::move(library)) {
+MainWindow::MainWindow(Waits& waits, std::string library)
+    : waits_(waits), library_(std::move(library)), edge_([this](const QString& text) { project_notice_->Show(text); }) {
   BuildCentre();
   status_ = new StatusLine;
   setStatusBar(status_);
@@ -63,9 +73,9 @@ void MainWindow::BuildCentre() {
   file_notice_ = new NoticeBar(NoticeBar::Kind::kOffer);
   file_notice_->setObjectName(QStringLiteral("file_notice"));
   find_ = new FindBar;
-  map_ = new MapView(points_);
+  map_ = new MapView(points_, edge_);
   map_->setObjectName(QStringLiteral("map"));
-  table_ = new PointTableView(points_);
+  table_ = new PointTableView(points_, edge_);
   auto* map_side = new QWidget;
   auto* below = new QVBoxLayout(map_side);
   below->setContentsMargins(0, 0, 0, 0);
@@ -85,9 +95,9 @@ void MainWindow::BuildCentre() {
   layout->addWidget(splitter_, 1);
   setCentralWidget(centre);
 
-  connect(find_, &FindBar::Entered, this, &MainWindow::Find);
-  connect(find_, &FindBar::PickEnded, this, &MainWindow::StopPicking);
-  connect(map_, &MapView::Clicked, this, [this](int point, bool add) {
+  edge_.Connect(find_, &FindBar::Entered, this, [this](const QString& number) { Find(number); });
+  edge_.Connect(find_, &FindBar::PickEnded, this, [this] { StopPicking(); });
+  edge_.Connect(map_, &MapView::Clicked, this, [this](int point, bool add) {
     if (picking_) return PickPoint(point);
     std::vector<int> selected = add ? map_->selected() : std::vector<int>();
     const auto there = std::find(selected.begin(), selected.end(), point);
@@ -98,13 +108,13 @@ void MainWindow::BuildCentre() {
     }
     Select(selected);
   });
-  connect(map_, &MapView::CursorAt, this, [this](double east, double north) { status_->ShowPlace(east, north); });
-  connect(map_, &MapView::CursorLeft, this, [this] { status_->ClearPlace(); });
-  connect(table_, &PointTableView::Selected, this, [this](const std::vector<int>& points) {
+  edge_.Connect(map_, &MapView::CursorAt, this, [this](double east, double north) { status_->ShowPlace(east, north); });
+  edge_.Connect(map_, &MapView::CursorLeft, this, [this] { status_->ClearPlace(); });
+  edge_.Connect(table_, &PointTableView::Selected, this, [this](const std::vector<int>& points) {
     if (!points.empty()) map_->BringIntoView(points.front());
     map_->SetSelected(points);
   });
-  connect(table_, &PointTableView::Chosen, this, [this](int point) {
+  edge_.Connect(table_, &PointTableView::Chosen, this, [this](int point) {
     if (picking_) return PickPoint(point);
     map_->CentreOn(point);
   });
@@ -112,8 +122,9 @@ void MainWindow::BuildCentre() {
 
 void MainWindow::BuildActions() {
   const auto action = [this](QMenu* menu, const QString& text, const QKeySequence& keys, auto work) {
-    QAction* made = menu->addAction(text, this, work);
+    QAction* made = menu->addAction(text);
     made->setShortcut(keys);
+    edge_.Connect(made, &QAction::triggered, this, work);
     return made;
   };
   QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
@@ -127,18 +138,18 @@ void MainWindow::BuildActions() {
       action(file, QStringLiteral("&Karte speichern …"), QKeySequence(QStringLiteral("Ctrl+K")), [this] { SaveMap(); });
   file->addSeparator();
   action(file, QStringLiteral("&Beenden"), QKeySequence(QStringLiteral("Ctrl+Q")), [this] { close(); });
-  connect(recent_, &RecentMenu::Chosen, this, &MainWindow::Open);
+  edge_.Connect(recent_, &RecentMenu::Chosen, this, [this](const QString& path) { Open(path); });
 
   commands_ = new CommandBar(menuBar()->addMenu(QString()));
   commands_->Offer(*FindMenu(kCommands));
-  connect(commands_, &CommandBar::Chosen, this, &MainWindow::Command);
+  edge_.Connect(commands_, &CommandBar::Chosen, this, [this](int number) { Command(number); });
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("&Ansicht"));
   QAction* all = action(view, QStringLiteral("&Alles zeigen"), QKeySequence(QStringLiteral("Ctrl+0")),
                         [this] { map_->ShowAll(); });
   const auto middle = [this] { return QRectF(map_->rect()).center(); };
   action(view, QStringLiteral("&Vergrößern"), QKeySequence::ZoomIn, [this, middle] { map_->Zoom(1.5, middle()); });
-  action(view, QStringLiteral("Ver&kleinern"), QKeySequence::ZoomOut,
+  action(view, QStringLiteral("Verkl&einern"), QKeySequence::ZoomOut,
          [this, middle] { map_->Zoom(1 / 1.5, middle()); });
   action(view, QStringLiteral("Aus&wahl zeigen"), QKeySequence(QStringLiteral("Ctrl+E")),
          [this] { map_->ShowPoints(map_->selected()); });
@@ -146,6 +157,9 @@ void MainWindow::BuildActions() {
   action(view, QStringLiteral("Punkt &suchen"), QKeySequence::Find, [this] { find_->Begin(); });
   action(view, QStringLiteral("Tabelle &filtern"), QKeySequence(QStringLiteral("Ctrl+L")),
          [this] { table_->FocusFilter(); });
+  action(view, QStringLiteral("Nach Spalte &ordnen"), QKeySequence(QStringLiteral("Ctrl+R")),
+         [this] { table_->SortByCurrentColumn(); });
+  view->addSeparator();
   action(view, QStringLiteral("Zur &Karte"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { map_->setFocus(); });
   action(view, QStringLiteral("Zur &Tabelle"), QKeySequence(QStringLiteral("Ctrl+2")),
          [this] { table_->FocusTable(); });
@@ -217,7 +231,13 @@ void MainWindow::ReadPoints() {
   std::vector<std::int32_t> selected;
   for (const int point : map_->selected()) selected.push_back(points_.Record(point));
   table_->BeginRead();
-  points_.Read();
+  try {
+    points_.Read();
+  } catch (...) {
+    table_->EndRead();
+    map_->PointsRead();
+    throw;
+  }
   table_->EndRead();
   map_->PointsRead();
   if (nas_ != nullptr) {
@@ -233,16 +253,14 @@ void MainWindow::ReadPoints() {
 }
 
 void MainWindow::AskForProject() {
-  const QString path =
-      QFileDialog::getOpenFileName(this, QStringLiteral("Punkttabelle eines Projekts öffnen"),
-                                   FromAnsi(ProjectFolder()), QStringLiteral("Punkttabelle (*.dbf *.DBF)"));
+  const QString path = AskForFile(this, QStringLiteral("Punkttabelle eines Projekts öffnen"),
+                                  {QStringLiteral("Punkttabelle (*.dbf *.DBF)")});
   if (!path.isEmpty()) Open(path);
 }
 
 void MainWindow::AskForNas() {
-  const QString path =
-      QFileDialog::getOpenFileName(this, QStringLiteral("NAS-Datei ansehen"), FromAnsi(ProjectFolder()),
-                                   QStringLiteral("NAS-Datei (*.xml *.XML);;Alle Dateien (*)"));
+  const QString path = AskForFile(this, QStringLiteral("NAS-Datei ansehen"),
+                                  {QStringLiteral("NAS-Datei (*.xml *.XML)"), QStringLiteral("Alle Dateien (*)")});
   if (!path.isEmpty()) OpenNas(path);
 }
 
@@ -250,20 +268,23 @@ NasWindow* MainWindow::OpenNas(const QString& path) {
   auto file = std::make_unique<NasFile>();
   QString why;
   QApplication::setOverrideCursor(Qt::WaitCursor);
-  const bool read = file->Read(path, &why);
-  QApplication::restoreOverrideCursor();
+  bool read = false;
+  {
+    const auto shown_again = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
+    read = file->Read(path, &why);
+  }
   if (!read) {
     project_notice_->Show(QStringLiteral("Die Datei %1 kann nicht gelesen werden: %2").arg(path, why));
     return nullptr;
   }
   if (nas_ != nullptr) nas_->close();
-  nas_ = new NasWindow(std::move(file), points_, this);
+  nas_ = new NasWindow(std::move(file), points_, edge_, this);
   NasWindow* shown = nas_;
-  connect(shown, &NasWindow::PointChosen, this, [this](int point) {
+  edge_.Connect(shown, &NasWindow::PointChosen, this, [this](int point) {
     Select({point});
     map_->CentreOn(point);
   });
-  connect(shown, &QDialog::finished, this, [this, shown] {
+  edge_.Connect(shown, &QDialog::finished, this, [this, shown] {
     if (nas_ == shown) map_->SetMarked({});
   });
   const std::vector<int> points = shown->Points();
@@ -274,15 +295,15 @@ NasWindow* MainWindow::OpenNas(const QString& path) {
 }
 
 void MainWindow::SaveMap() {
-  QFileDialog dialog(this, QStringLiteral("Karte speichern"), FromAnsi(ProjectFolder()),
-                     QStringLiteral("PNG-Bild (*.png);;PDF-Dokument (*.pdf)"));
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(QStringLiteral("png"));
-  connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
-    dialog.setDefaultSuffix(filter.startsWith(QLatin1String("PDF")) ? QStringLiteral("pdf") : QStringLiteral("png"));
+  Picker picker(this, QStringLiteral("Karte speichern"));
+  picker.setAcceptMode(QFileDialog::AcceptSave);
+  picker.setNameFilters({QStringLiteral("PNG-Bild (*.png)"), QStringLiteral("PDF-Dokument (*.pdf)")});
+  picker.setDefaultSuffix(QStringLiteral("png"));
+  edge_.Connect(&picker, &QFileDialog::filterSelected, &picker, [&picker](const QString& filter) {
+    picker.setDefaultSuffix(filter.startsWith(QLatin1String("PDF")) ? QStringLiteral("pdf") : QStringLiteral("png"));
   });
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
-  const QString path = dialog.selectedFiles().constFirst();
+  const QString path = picker.Ask();
+  if (path.isEmpty()) return;
   const QString title = FromAnsi(ProjectName());
   const bool pdf = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
   if (pdf ? map_->SavePdf(path, title) : map_->SavePng(path, title)) {
@@ -378,18 +399,21 @@ void MainWindow::StopPicking() {
 }
 
 void MainWindow::PointChanged(std::int32_t number) {
-  const int point = number > 0 ? points_.PointOf(number) : -1;
-  if (point < 0 || points_.Reread(number) < 0) return ReadPoints();
-  table_->PointChanged(point);
-  map_->PointChanged();
-  status_->ShowCounts(points_);
+  // The point is written, whatever comes of showing it.
+  edge_.Run([&] {
+    const int point = number > 0 ? points_.PointOf(number) : -1;
+    if (point < 0 || points_.Reread(number) < 0) return ReadPoints();
+    table_->PointChanged(point);
+    map_->PointChanged();
+    status_->ShowCounts(points_);
+  });
 }
 
 void MainWindow::ShowMessage(const QString& text) { status_->showMessage(text, kMessageTime); }
 
 void MainWindow::FileSaved(const QString& path) {
-  file_notice_->Show(QStringLiteral("%1 wurde geschrieben.").arg(path), QStringLiteral("Datei &ansehen"),
-                     [this, path] { OpenNas(path); });
+  file_notice_->Show(QStringLiteral("%1 wurde geschrieben.").arg(path), QStringLiteral("Datei anse&hen"),
+                     [this, path] { edge_.Run([&] { OpenNas(path); }); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

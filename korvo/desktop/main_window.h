@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "korvo/desktop/edge.h"
 #include "korvo/desktop/map_view.h"
 #include "korvo/desktop/point_set.h"
 #include "korvo/desktop/shell.h"
@@ -44,6 +45,8 @@ class MainWindow : public QMainWindow, public Shell {
 
   MapView& map() { return *map_; }
   const PointSet& points() const { return points_; }
+  /// In which all runs that the toolkit calls; what is thrown there stands in the notice.
+  const Edge& edge() const { return edge_; }
 
   QWidget* Widget() override { return this; }
   void ShowMenu(const Menu& menu) override;
@@ -84,6 +87,7 @@ class MainWindow : public QMainWindow, public Shell {
 
   Waits& waits_;
   std::string library_;
+  Edge edge_;
   PointSet points_;
   QString opened_;   ///< what the person named
   QString why_not_;  ///< why the plug-in cannot be started; empty where it can

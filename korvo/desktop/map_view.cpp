@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "korvo/desktop/edge.h"
 #include "korvo/desktop/text.h"
 
 namespace korvo {
@@ -27,7 +28,8 @@ constexpr double kPictureRatio = 2;
 
 }  // namespace
 
-MapView::MapView(const PointSet& points, QWidget* parent) : QWidget(parent), points_(points), painter_(points) {
+MapView::MapView(const PointSet& points, const Edge& edge, QWidget* parent)
+    : QWidget(parent), points_(points), edge_(edge), painter_(points) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
@@ -130,6 +132,12 @@ int MapView::PointAt(QPointF place) const {
 }
 
 QPointF MapView::PlaceOf(int point) const { return camera_.ToPicture(points_.East(point), points_.North(point)); }
+
+bool MapView::event(QEvent* event) {
+  bool known = true;
+  edge_.Run([&] { known = QWidget::event(event); });
+  return known;
+}
 
 void MapView::paintEvent(QPaintEvent* /*event*/) {
   if (picture_.isNull()) picture_ = painter_.Picture(camera_, devicePixelRatioF());

@@ -10,12 +10,14 @@
 
 namespace korvo {
 
+class Edge;
+
 class MapView : public QWidget {
   Q_OBJECT
 
  public:
-  /// `points` must outlive the view.
-  explicit MapView(const PointSet& points, QWidget* parent = nullptr);
+  /// Both must outlive the view.
+  MapView(const PointSet& points, const Edge& edge, QWidget* parent = nullptr);
 
   /// Points with a ring; the first of them also keeps a tag with its number.
   void SetSelected(std::vector<int> points);
@@ -57,6 +59,7 @@ class MapView : public QWidget {
   void CursorLeft();
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -73,6 +76,7 @@ class MapView : public QWidget {
   void SetHover(int point);
 
   const PointSet& points_;
+  const Edge& edge_;
   MapPainter painter_;
   MapCamera camera_;
   QImage picture_;   ///< null: to be drawn

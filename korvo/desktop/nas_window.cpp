@@ -16,9 +16,18 @@
 #include <map>
 #include <set>
 
+#include "korvo/desktop/edge.h"
+#include "korvo/desktop/enter_key.h"
+#include "korvo/desktop/settings.h"
 #include "korvo/desktop/text.h"
 
 namespace korvo {
+
+namespace {
+
+QString SizeKey() { return QStringLiteral("nas/groesse"); }
+
+}  // namespace
 
 /// Members of one kind and class, or of all.
 class NasModel : public QAbstractTableModel {
@@ -81,7 +90,7 @@ class NasModel : public QAbstractTableModel {
   std::vector<std::size_t> rows_;
 };
 
-NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWidget* parent)
+NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, const Edge& edge, QWidget* parent)
     : QDialog(parent), file_(std::move(file)), points_(points), model_(new NasModel(*file_, points, this)) {
   setWindowTitle(QStringLiteral("NAS-Datei – ") + QFileInfo(file_->path()).fileName());
   setAttribute(Qt::WA_DeleteOnClose);
@@ -128,11 +137,13 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
   across->setSizes({300, 880});
   across->setChildrenCollapsible(false);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+  // Enter is for the objects.
+  buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(summary_);
   layout->addWidget(across, 1);
   layout->addWidget(buttons);
-  resize(1180, 740);
+  RestoreSize(this, SizeKey(), {1180, 740});
 
   std::map<std::pair<NasKind, int>, std::vector<std::size_t>> groups;
   std::vector<std::size_t> all(file_->members().size());
@@ -149,7 +160,7 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
     lists.push_back(std::move(list));
   }
   connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
-  connect(groups_, &QListWidget::currentRowChanged, this, [this, lists = std::move(lists)](int row) {
+  edge.Connect(groups_, &QListWidget::currentRowChanged, this, [this, lists = std::move(lists)](int row) {
     if (row < 0) return;
     model_->Show(lists[static_cast<std::size_t>(row)]);
     if (model_->rowCount({}) > 0) {
@@ -158,21 +169,22 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWid
       text_->clear();
     }
   });
-  connect(members_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-          [this](const QModelIndex& current) { ShowMember(current.isValid() ? current.row() : -1); });
-  connect(members_, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
+  edge.Connect(members_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+               [this](const QModelIndex& current, const QModelIndex& /*previous*/) {
+                 ShowMember(current.isValid() ? current.row() : -1);
+               });
+  const auto choose = [this](const QModelIndex& index) {
     if (model_->PointAt(index.row()) >= 0) Q_EMIT PointChosen(model_->PointAt(index.row()));
-  });
-  connect(members_, &QAbstractItemView::activated, this, [this](const QModelIndex& index) {
-    if (model_->PointAt(index.row()) >= 0) Q_EMIT PointChosen(model_->PointAt(index.row()));
-  });
+  };
+  edge.Connect(members_, &QAbstractItemView::clicked, this, choose);
+  OnEnter(members_, edge, choose);
   groups_->setMinimumWidth(std::min(groups_->sizeHintForColumn(0) + 24, 420));
   groups_->setCurrentRow(0);
   ShowSummary();
   members_->setFocus();
 }
 
-NasWindow::~NasWindow() = default;
+NasWindow::~NasWindow() { KeepSize(*this, SizeKey()); }
 
 std::vector<int> NasWindow::Points() const {
   std::set<int> found(model_->points().begin(), model_->points().end());

@@ -14,14 +14,15 @@ class QTableView;
 
 namespace korvo {
 
+class Edge;
 class NasModel;
 
 class NasWindow : public QDialog {
   Q_OBJECT
 
  public:
-  /// `points` must outlive the window.
-  NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, QWidget* parent);
+  /// `points` and `edge` must outlive the window.
+  NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, const Edge& edge, QWidget* parent);
   ~NasWindow() override;
 
   /// Points of all members, each once.

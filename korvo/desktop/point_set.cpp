@@ -27,6 +27,16 @@ std::string_view TrimLeft(std::string_view text) {
 }  // namespace
 
 void PointSet::Read() {
+  *this = {};
+  try {
+    ReadAll();
+  } catch (...) {
+    *this = {};
+    throw;
+  }
+}
+
+void PointSet::ReadAll() {
   columns_ = PointTableColumns();
   number_ = FindColumn("PT_NO");
   east_ = FindColumn("EAST");
@@ -34,8 +44,6 @@ void PointSet::Read() {
   kind_ = FindColumn("NE_PO");
   action_ = FindColumn("NE_AKTION");
   record_size_ = columns_.empty() ? 0 : columns_.back().offset + static_cast<std::size_t>(columns_.back().width) - 1;
-  bytes_.clear();
-  records_.clear();
   const std::int32_t all = PointRecords();
   bytes_.reserve(record_size_ * static_cast<std::size_t>(all));
   records_.reserve(static_cast<std::size_t>(all));
@@ -47,7 +55,6 @@ void PointSet::Read() {
   }
   states_.assign(records_.size(), PointState::kPlain);
   places_.assign(records_.size(), {});
-  std::fill(std::begin(counts_), std::end(counts_), 0);
   counts_[0] = count();
   for (int i = 0; i < count(); ++i) Interpret(i);
   BuildGrid();

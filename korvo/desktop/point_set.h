@@ -27,7 +27,7 @@ struct MapBox {
 /// texts are Windows-1252. What is given stays valid until the next Read or Reread.
 class PointSet {
  public:
-  /// Reads the open point table; without one the set is empty.
+  /// Reads the open point table; without one the set is empty, and so it is where this throws.
   void Read();
   /// Reads one record again. Its point; -1 where the record was or is none, and the whole table was read again.
   int Reread(std::int32_t record);
@@ -102,6 +102,7 @@ class PointSet {
     int north = -1;
   };
 
+  void ReadAll();
   void Interpret(int point);
   void BuildGrid();
   Cells CellsOf(const MapBox& box) const;

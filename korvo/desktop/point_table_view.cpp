@@ -6,12 +6,15 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
+#include <QScopedValueRollback>
 #include <QTableView>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
+#include "korvo/desktop/edge.h"
+#include "korvo/desktop/enter_key.h"
 #include "korvo/desktop/point_model.h"
 #include "korvo/desktop/sprites.h"
 #include "korvo/desktop/text.h"
@@ -25,8 +28,8 @@ constexpr int kWidestColumn = 28;  // characters
 
 }  // namespace
 
-PointTableView::PointTableView(const PointSet& points, QWidget* parent)
-    : QWidget(parent), points_(points), model_(new PointModel(points, this)), table_(new QTableView) {
+PointTableView::PointTableView(const PointSet& points, const Edge& edge, QWidget* parent)
+    : QWidget(parent), points_(points), edge_(edge), model_(new PointModel(points, this)), table_(new QTableView) {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addLayout(BuildFilter());
@@ -64,10 +67,11 @@ QLayout* PointTableView::BuildFilter() {
   line->addWidget(state_);
   line->addWidget(count_);
   connect(text_, &QLineEdit::textChanged, pause_, qOverload<>(&QTimer::start));
-  connect(pause_, &QTimer::timeout, this, &PointTableView::Filter);
-  connect(text_, &QLineEdit::returnPressed, this, &PointTableView::Filter);
-  connect(column_, &QComboBox::activated, this, &PointTableView::Filter);
-  connect(state_, &QComboBox::activated, this, &PointTableView::Filter);
+  const auto filter = [this] { Filter(); };
+  edge_.Connect(pause_, &QTimer::timeout, this, filter);
+  edge_.Connect(text_, &QLineEdit::returnPressed, this, filter);
+  edge_.Connect(column_, &QComboBox::activated, this, filter);
+  edge_.Connect(state_, &QComboBox::activated, this, filter);
   return line;
 }
 
@@ -81,16 +85,20 @@ void PointTableView::BuildTable() {
   table_->setTabKeyNavigation(false);
   table_->setAlternatingRowColors(true);
   table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  table_->setSortingEnabled(true);
   QHeaderView& header = *table_->horizontalHeader();
-  header.setSortIndicatorClearable(true);
+  header.setSectionsClickable(true);
   header.setSectionsMovable(true);
+  header.setSortIndicatorShown(true);
+  header.setSortIndicatorClearable(true);
   header.setSortIndicator(-1, Qt::AscendingOrder);
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-  connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &PointTableView::FollowSelection);
-  connect(table_, &QAbstractItemView::activated, this,
-          [this](const QModelIndex& index) { Q_EMIT Chosen(model_->PointAt(index.row())); });
+  edge_.Connect(&header, &QHeaderView::sortIndicatorChanged, this,
+                [this](int column, Qt::SortOrder order) { model_->sort(column, order); });
+  edge_.Connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { FollowSelection(); });
+  const auto choose = [this](const QModelIndex& index) { Q_EMIT Chosen(model_->PointAt(index.row())); };
+  edge_.Connect(table_, &QAbstractItemView::doubleClicked, this, choose);
+  OnEnter(table_, edge_, choose);
 }
 
 // The points
@@ -155,6 +163,14 @@ void PointTableView::FocusFilter() {
 
 void PointTableView::FocusTable() { table_->setFocus(); }
 
+void PointTableView::SortByCurrentColumn() {
+  QHeaderView& header = *table_->horizontalHeader();
+  const int column = std::max(0, table_->currentIndex().column());
+  if (header.sortIndicatorSection() != column) return header.setSortIndicator(column, Qt::AscendingOrder);
+  const bool up = header.sortIndicatorOrder() == Qt::AscendingOrder;
+  header.setSortIndicator(up ? column : -1, up ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
 // The selection
 
 void PointTableView::Select(std::vector<int> points) {
@@ -163,7 +179,7 @@ void PointTableView::Select(std::vector<int> points) {
 }
 
 void PointTableView::ShowSelection() {
-  showing_ = true;
+  const QScopedValueRollback<bool> showing(showing_, true);
   std::vector<int> rows;
   for (const int point : selected_) {
     if (const int row = model_->RowOf(point); row >= 0) rows.push_back(row);
@@ -183,7 +199,6 @@ void PointTableView::ShowSelection() {
     table_->scrollTo(shown);
   }
   selection.select(ranges, QItemSelectionModel::ClearAndSelect);
-  showing_ = false;
 }
 
 void PointTableView::FollowSelection() {

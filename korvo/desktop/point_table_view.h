@@ -15,14 +15,15 @@ class QTimer;
 
 namespace korvo {
 
+class Edge;
 class PointModel;
 
 class PointTableView : public QWidget {
   Q_OBJECT
 
  public:
-  /// `points` must outlive the view.
-  explicit PointTableView(const PointSet& points, QWidget* parent = nullptr);
+  /// Both must outlive the view.
+  PointTableView(const PointSet& points, const Edge& edge, QWidget* parent = nullptr);
 
   /// Before and after the points are read anew. None is selected afterwards.
   void BeginRead();
@@ -35,11 +36,13 @@ class PointTableView : public QWidget {
 
   void FocusFilter();
   void FocusTable();
+  /// As a click on the head of the current column does.
+  void SortByCurrentColumn();
 
  Q_SIGNALS:
   /// The person selected other points, the current one stands first.
   void Selected(const std::vector<int>& points);
-  /// The person means this point.
+  /// The person means this point, by a double click or by Enter.
   void Chosen(int point);
 
  private:
@@ -52,6 +55,7 @@ class PointTableView : public QWidget {
   void FitColumns();
 
   const PointSet& points_;
+  const Edge& edge_;
   PointModel* model_;
   QTableView* table_;
   QLineEdit* text_;

@@ -433,7 +433,10 @@ TEST_F(Windows, PickersRememberTheirFolderAndTellOfWhatWasSaved) {
   };
   std::string path = "unberührt"_ansi;
   int filter = 7;
-  Then(Close);
+  Then([](QWidget* window) {
+    window->resize(701, 481);
+    Close(window);
+  });
   EXPECT_FALSE(desktop.PickFile(pick, &path, &filter));
   EXPECT_EQ(path + std::to_string(filter), "unberührt7"_ansi);
 
@@ -469,6 +472,7 @@ TEST_F(Windows, PickersRememberTheirFolderAndTellOfWhatWasSaved) {
     auto* const picker = static_cast<QFileDialog*>(window);
     EXPECT_EQ(picker->directory().absolutePath().toStdString(), folder.path());
     EXPECT_EQ(picker->labelText(QFileDialog::Reject), QStringLiteral("Abbrechen"));
+    EXPECT_EQ(picker->size(), QSize(701, 481));
     Close(window);
   });
   EXPECT_FALSE(desktop.PickFolder("Verzeichnis", 0, &path));

@@ -1,13 +1,20 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProxyStyle>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <cmath>
 #include <filesystem>
+#include <set>
+#include <system_error>
 #include <utility>
 
 #include "base/text.h"
@@ -15,6 +22,7 @@
 #include "korvo/desktop/desktop_front_end.h"
 #include "korvo/desktop/main_window.h"
 #include "korvo/desktop/nas_file.h"
+#include "korvo/desktop/nas_window.h"
 #include "korvo/host/lock.h"
 #include "korvo/host/project.h"
 #include "tests/support/table_file.h"
@@ -22,6 +30,14 @@
 namespace {
 
 using support::TableFile;
+
+/// One in which a single click means what Enter means.
+class SingleClickStyle : public QProxyStyle {
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* more) const override {
+    return hint == SH_ItemView_ActivateItemOnSingleClick ? 1 : QProxyStyle::styleHint(hint, option, widget, more);
+  }
+};
 
 /// The window on a project of four points: one with the zone in its easting, one deleted record, one hostile remark.
 class Window : public testing::Test {
@@ -92,9 +108,93 @@ TEST_F(Window, MapAndTableAndFindFieldPickTheSamePoints) {
 
   EXPECT_EQ(PickWhile([&] { Click(1); }), 3);
   EXPECT_EQ(PickWhile([&] { Type("1001"); }), 1);
-  EXPECT_EQ(PickWhile([&] { table->selectRow(2), QTest::keyClick(table, Qt::Key_Return); }), 4);
+  EXPECT_EQ(PickWhile([&] { table->setFocus(), table->selectRow(2), QTest::keyClick(table, Qt::Key_Return); }), 4);
+  SingleClickStyle style;
+  table->setStyle(&style);
+  const auto at = [&](int point) { return table->visualRect(table->model()->index(point, 0)).center(); };
+  EXPECT_EQ(PickWhile([&] {
+              for (const int point : {0, 1}) {
+                QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, at(point));
+                EXPECT_EQ(window_.map().selected(), std::vector<int>{point});
+              }
+              QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, at(1));
+            }),
+            3);
+  table->setStyle(nullptr);
   EXPECT_EQ(PickWhile([&] { QTest::keyClick(&window_, Qt::Key_Escape); }), 0);
   EXPECT_EQ(PickWhile([&] { Type("100"), Click(0); }), 1) << "a part of a number picks nothing";
+}
+
+TEST_F(Window, IsWorkedByKeyboardAlone) {
+  std::multiset<QString> bar;
+  for (const QAction* menu : window_.menuBar()->actions()) {
+    bar.insert(QKeySequence::mnemonic(menu->text()).toString());
+    std::multiset<QString> letters;
+    for (const QAction* entry : menu->menu()->actions()) {
+      const QString letter = QKeySequence::mnemonic(entry->text()).toString();
+      if (!letter.isEmpty()) letters.insert(letter);
+      if (!entry->shortcut().isEmpty()) bar.insert(entry->shortcut().toString());
+    }
+    for (const QString& letter : letters) EXPECT_EQ(letters.count(letter), 1U) << letter.toStdString();
+  }
+  window_.FileSaved(QString::fromStdString(path_));
+  for (const auto* button : window_.findChildren<QAbstractButton*>()) {
+    if (button->isVisible() && !button->shortcut().isEmpty()) bar.insert(button->shortcut().toString());
+  }
+  for (const QString& keys : bar) EXPECT_EQ(bar.count(keys), 1U) << keys.toStdString();
+
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  auto* table = Find<QTableView>("table");
+  table->setCurrentIndex(table->model()->index(0, 1));
+  for (const char* first : {"649900.000", "32649910.0", "649900.000"}) {
+    QTest::keyClick(&window_, Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(table->model()->index(0, 1).data().toString(), QString::fromLatin1(first));
+  }
+
+  std::filesystem::create_directory(folder_.File("akten"));
+  const QString file = QString::fromStdString(
+      folder_.Write("akten/a.xml", "<T><Insert><P gml:id=\"DE1\"><punktkennung>1001</punktkennung></P></Insert></T>"));
+  for (const auto& [named, size] : {std::pair(file, QSize(800, 740)), {QStringLiteral("a.xml"), QSize(701, 602)}}) {
+    QTimer::singleShot(0, [named = named] {
+      auto* const picker = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(picker, nullptr);
+      auto* const name = picker->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+      name->setText(named);
+      QTest::keyClick(name, Qt::Key_Return);
+    });
+    QTest::keyClick(&window_, Qt::Key_N, Qt::ControlModifier);
+    auto* const nas = window_.findChild<korvo::NasWindow*>();
+    ASSERT_NE(nas, nullptr);
+    EXPECT_EQ(nas->size(), size) << "of the screen, then of the last one";
+    auto* const members = nas->findChild<QTableView*>(QStringLiteral("nas_members"));
+    table->selectRow(2);
+    nas->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(nas));
+    QTest::keyClick(members, Qt::Key_Return);
+    EXPECT_EQ(window_.map().selected(), std::vector<int>{0});
+    EXPECT_TRUE(nas->isVisible());
+    nas->resize(701, 602);
+    QTest::keyClick(nas, Qt::Key_Escape);
+    EXPECT_FALSE(nas->isVisible());
+    QCoreApplication::sendPostedEvents(nas, QEvent::DeferredDelete);
+    window_.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  }
+}
+
+TEST_F(Window, TellsWhatItsOwnFunctionsThrow) {
+  const std::pair<std::function<void()>, const char*> kClauses[] = {
+      {[] { throw std::bad_alloc(); }, "Der Arbeitsspeicher reicht nicht aus."},
+      {[] { throw std::filesystem::filesystem_error("", std::make_error_code(std::errc::permission_denied)); },
+       "Zugriff verweigert."},
+      {[] { throw 7; }, "Unerwarteter Fehler."},
+  };
+  for (const auto& [work, told] : kClauses) {
+    QAction action;
+    window_.edge().Connect(&action, &QAction::triggered, &action, work);
+    action.trigger();
+    EXPECT_TRUE(Notices(told)) << told;
+  }
 }
 
 TEST_F(Window, ShowsAtOnceWhatIsWritten) {

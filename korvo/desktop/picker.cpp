@@ -1,0 +1,88 @@
+#include "korvo/desktop/picker.h"
+
+#include <QFileIconProvider>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QIdentityProxyModel>
+#include <QLocale>
+#include <QTreeView>
+
+#include "base/path.h"
+#include "korvo/desktop/settings.h"
+#include "korvo/host/project.h"
+
+namespace korvo {
+
+namespace {
+
+constexpr QSize kUsualSize(860, 520);  // with dates that can be read
+
+QString FolderKey() { return QStringLiteral("ordner/letzter"); }
+QString SizeKey() { return QStringLiteral("ordner/groesse"); }
+
+QString FirstFolder() {
+  const QString last = Remembered().value(FolderKey()).toString();
+  if (!last.isEmpty() && QDir(last).exists()) return last;
+  return QString::fromStdString(path::ToDisk(ProjectFolder()));
+}
+
+/// Tells files by their being, not by what is in them: of some that look like files nothing ever comes.
+class PlainIcons : public QFileIconProvider {
+ public:
+  QIcon icon(const QFileInfo& info) const override { return info.isDir() ? folder_ : file_; }
+  QString type(const QFileInfo& info) const override {
+    return info.isDir() ? QStringLiteral("Ordner") : info.suffix().toUpper() + QStringLiteral("-Datei");
+  }
+
+ private:
+  QIcon folder_ = QFileIconProvider::icon(Folder);
+  QIcon file_ = QFileIconProvider::icon(File);
+};
+
+/// Sizes and days as in all windows; the toolkit's own are those of the system's language.
+class GermanFacts : public QIdentityProxyModel {
+ public:
+  using QIdentityProxyModel::QIdentityProxyModel;
+
+  QVariant data(const QModelIndex& index, int role) const override {
+    enum Column { kSize = 1, kDay = 3 };
+    const bool told = role == Qt::DisplayRole && (index.column() == kSize || index.column() == kDay);
+    if (!told) return QIdentityProxyModel::data(index, role);
+    const QFileInfo file = static_cast<QFileSystemModel*>(sourceModel())->fileInfo(mapToSource(index));
+    if (index.column() == kDay) return QLocale().toString(file.lastModified(), QLocale::ShortFormat);
+    return file.isDir() ? QString() : QLocale().formattedDataSize(file.size(), 1, QLocale::DataSizeTraditionalFormat);
+  }
+};
+
+}  // namespace
+
+PickerIcons::PickerIcons() : icons(std::make_unique<PlainIcons>()) {}
+
+PickerIcons::~PickerIcons() = default;
+
+Picker::Picker(QWidget* parent, const QString& title) : QFileDialog(parent, title, FirstFolder()) {
+  setOption(DontUseNativeDialog);
+  setIconProvider(icons.get());
+  setProxyModel(new GermanFacts(this));
+  for (const QTreeView* files : findChildren<QTreeView*>()) {
+    files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  }
+  RestoreSize(this, SizeKey(), kUsualSize);
+}
+
+Picker::~Picker() { KeepSize(*this, SizeKey()); }
+
+QString Picker::Ask() {
+  if (exec() != Accepted) return {};
+  const QString picked = selectedFiles().value(0);
+  Remember(picked);
+  return picked;
+}
+
+void Picker::Remember(const QString& picked) {
+  const QFileInfo facts(picked);
+  Remembered().setValue(FolderKey(), facts.isDir() ? facts.absoluteFilePath() : facts.absolutePath());
+}
+
+}  // namespace korvo

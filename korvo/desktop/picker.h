@@ -1,0 +1,30 @@
+// Pickers of files and folders, which all look alike.
+#pragma once
+
+#include <QFileDialog>
+#include <memory>
+
+class QFileIconProvider;
+
+namespace korvo {
+
+/// What a picker needs longer than its base class lives.
+struct PickerIcons {
+  PickerIcons();
+  ~PickerIcons();
+  std::unique_ptr<QFileIconProvider> icons;
+};
+
+/// Begins in the folder of what was picked last, else in that of the project, and in the size of the last picker.
+class Picker : private PickerIcons, public QFileDialog {
+ public:
+  Picker(QWidget* parent, const QString& title);
+  ~Picker() override;
+
+  /// What the person picks; empty for nothing.
+  QString Ask();
+  /// The next picker begins there.
+  static void Remember(const QString& picked);
+};
+
+}  // namespace korvo
