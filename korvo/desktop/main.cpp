@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QFile>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,7 @@
 namespace {
 
 constexpr int kExitNotStarted = 1;
+constexpr int kExitNoScreen = 3;
 
 constexpr const char* kUsage =
     "Aufruf: korvo [Optionen] [PROJEKT]\n"
@@ -29,7 +31,7 @@ constexpr const char* kUsage =
     "  --bench          misst die Karte mit 100 000 Punkten und zeigt die Zahlen\n"
     "  --help           diese Hilfe\n"
     "\n"
-    "Ohne Bildschirm geht dieselbe Arbeit in korvo-console.\n";
+    "Ohne Bildschirm geht dieselbe Arbeit in korvo-console; das Programm endet dann mit 3.\n";
 
 struct Options {
   bool help = false;
@@ -43,6 +45,13 @@ struct Options {
 int Fail(const std::string& utf8) {
   std::fprintf(stderr, "korvo: %s\n", utf8.c_str());
   return kExitNotStarted;
+}
+
+/// The toolkit ends the program where it finds no screen; this ends it in our words.
+void EndWithoutScreen(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+  if (type != QtFatalMsg) return;
+  Fail("Kein Bildschirm antwortet. Ohne ihn geht dieselbe Arbeit in korvo-console.");
+  std::_Exit(kExitNoScreen);
 }
 
 }  // namespace
@@ -68,7 +77,9 @@ int main(int count, char** arguments) {
   }
   // What is left for the toolkit is the program's name alone: its own options are not those of a surveyor.
   int own = 1;
+  qInstallMessageHandler(EndWithoutScreen);
   QApplication application(own, arguments);
+  qInstallMessageHandler(nullptr);
   korvo::SetUpApplication(application);
   if (options.bench) return korvo::RunBench();
 
@@ -78,7 +89,9 @@ int main(int count, char** arguments) {
   korvo::SetFrontEnd(&front_end);
   QObject::connect(&window, &korvo::MainWindow::Closed, &application, &QApplication::quit, Qt::QueuedConnection);
   window.show();
-  if (!options.project.empty()) window.Open(QFile::decodeName(options.project.c_str()));
+  window.edge().Run([&] {
+    if (!options.project.empty()) window.Open(QFile::decodeName(options.project.c_str()));
+  });
   const int result = QApplication::exec();
   korvo::CloseProject();
   korvo::SetFrontEnd(nullptr);

@@ -39,6 +39,11 @@ class Road(ProjectCase):
                 self.assertEqual(len(by_console), files, by_console.keys())
                 self.assertEqual(self.left_by("korvo-pilot", script), by_console)
 
+    def test_window_says_that_no_screen_answers(self):
+        nowhere = {**os.environ, "QT_QPA_PLATFORM": "xcb", "DISPLAY": ":4711"}
+        done = subprocess.run([os.path.join(BIN, "korvo")], env=nowhere, capture_output=True, timeout=TIMEOUT, check=False)
+        self.assertEqual((done.returncode, done.stderr.decode()[:36]), (3, "korvo: Kein Bildschirm antwortet. Oh"))
+
 
 if __name__ == "__main__":
     unittest.main()
