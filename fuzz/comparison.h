@@ -54,7 +54,7 @@ inline void Dump(const CTreeNode* node, std::string* out) {
   DumpText('v', node->GetValue(), out);
   for (const auto* attribute = node->GetFirstAttribute(); attribute != nullptr; attribute = attribute->next) {
     DumpText('a', node->GetDocument()->NameOf(attribute->name), out);
-    DumpText('=', attribute->value, out);
+    DumpText('=', attribute->value.get(), out);
   }
   for (const CTreeNode* child = node->GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
     Dump(child, out);

@@ -10,13 +10,13 @@ namespace pktaus {
 namespace {
 
 /// Appends both members of every point that has a place; the number of these points.
-int AppendMembers(const Frame& frame, BatchPoint* points, const std::string& land) {
+int AppendMembers(Frame* frame, BatchPoint* points, const std::string& land) {
   int count = 0;
-  if (frame.transaction() == nullptr) return count;
+  if (!frame->TakesMembers()) return count;
   for (BatchPoint* point = points; point != nullptr; point = point->next) {
     if (point->east.empty() || point->north.empty()) continue;
-    frame.transaction()->AddChild(WriteBatchObject(frame.document(), point, land));
-    frame.transaction()->AddChild(WriteBatchPunktort(frame.document(), point));
+    frame->Append(WriteBatchObject(frame->document(), point, land));
+    frame->Append(WriteBatchPunktort(frame->document(), point));
     ++count;
   }
   return count;
@@ -35,7 +35,7 @@ std::string WriteBatchFile(BatchPoint* points, const std::string& output_path, c
   Frame frame;
   std::string error = frame.Open(template_path, application_number, order_number);
   if (!error.empty()) return error;
-  return frame.Close(output_path, AppendMembers(frame, points, land));
+  return frame.Close(output_path, AppendMembers(&frame, points, land));
 }
 
 CTreeNode* WriteBatchObject(CTreeDocument* document, BatchPoint* point, const std::string& land) {

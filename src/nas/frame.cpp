@@ -35,7 +35,7 @@ std::string Frame::Open(const std::string& template_path, const std::string& app
   }
   application->SetValue(application_number);
   order->SetValue(order_number);
-  transaction_ = Child(Child(root, "geaenderteObjekte"), "Transaction");
+  members_ = ChildAppender(Child(Child(root, "geaenderteObjekte"), "Transaction"));
   return {};
 }
 

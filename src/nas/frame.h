@@ -4,10 +4,11 @@
 #include <memory>
 #include <string>
 
+#include "tree/node.h"
+
 namespace pktaus {
 
 class CTreeDocument;
-class CTreeNode;
 
 class Frame {
  public:
@@ -21,8 +22,10 @@ class Frame {
                    const std::string& order_number);
 
   CTreeDocument* document() const { return document_.get(); }
-  /// Where members are appended; null where the template has no such place.
-  CTreeNode* transaction() const { return transaction_; }
+  /// False where the template has no place for members.
+  bool TakesMembers() const { return members_.parent() != nullptr; }
+  /// Appends a member behind all others; null changes nothing.
+  void Append(CTreeNode* member) { members_.Append(member); }
 
   /// Saves the file with the members of `count` points and gives the message for the user. Without a point nothing is
   /// saved.
@@ -30,7 +33,7 @@ class Frame {
 
  private:
   std::unique_ptr<CTreeDocument> document_;
-  CTreeNode* transaction_ = nullptr;
+  ChildAppender members_{nullptr};
 };
 
 /// What is said of a file with the members of `count` points.

@@ -5,7 +5,8 @@
 namespace pktaus {
 
 CTreeNode* MemberRows::operator()(int depth, CTreeNode* node) {
-  if (depth > 0) open_.at(depth - 1)->AddChild(node);
+  // Where the row above has children, the last row of this depth is the last of them.
+  if (depth > 0) open_.at(depth - 1)->AddChildAfter(node, open_.at(depth));
   return open_.at(depth) = node;
 }
 

@@ -63,10 +63,9 @@ enum class Walk {
 
 class OrderWriter {
  public:
-  OrderWriter(const Frame& frame, std::string application_number, const std::string& organisation,
-              const std::string& land)
-      : document_(frame.document()),
-        transaction_(*frame.transaction()),
+  OrderWriter(Frame* frame, std::string application_number, const std::string& organisation, const std::string& land)
+      : document_(frame->document()),
+        frame_(*frame),
         application_number_(std::move(application_number)),
         organisation_(organisation),
         land_(land) {}
@@ -85,12 +84,9 @@ class OrderWriter {
   /// What the original file says of a position object; null, shown to the surveyor, where it says nothing. `place`
   /// tells the two users of this apart.
   std::unique_ptr<PointRecord> Search(const char* gml_id, const char* place, OriginalExtract* extract);
-  void AppendMember(CTreeNode* member) {
-    if (member != nullptr) transaction_.AddChild(member);
-  }
 
   CTreeDocument* document_;
-  CTreeNode& transaction_;
+  Frame& frame_;
   const std::string application_number_;
   const std::string& organisation_;
   const std::string& land_;
@@ -117,8 +113,8 @@ Walk OrderWriter::Append(PointRecord* point) {
   const bool deleted = point->aktion == kAktionDelete;
   if (deleted && Search(point->gmlid, "1", &extract) == nullptr) return Walk::kStop;
   const OriginalExtract* needed = deleted ? &extract : nullptr;
-  AppendMember(WriteObjectMember(document_, point, land_, application_number_, needed));
-  AppendMember(WritePunktortMember(document_, *point, organisation_, land_, needed));
+  frame_.Append(WriteObjectMember(document_, point, land_, application_number_, needed));
+  frame_.Append(WritePunktortMember(document_, *point, organisation_, land_, needed));
   return point->aktion == kAktionNew ? Walk::kOn : AppendFurther(*point);
 }
 
@@ -130,14 +126,14 @@ Walk OrderWriter::AppendFurther(const PointRecord& point) {
     const std::unique_ptr<PointRecord> found = Search(further.gml_id, "2", &extract);
     if (found == nullptr) return Fail(kNothingFound);
     if (point.aktion == kAktionDelete) {
-      AppendMember(WriteDeleteMember(document_, further.class_name, further.gml_id, extract.punktort_beginnt));
+      frame_.Append(WriteDeleteMember(document_, further.class_name, further.gml_id, extract.punktort_beginnt));
       continue;
     }
     found->aktion = kAktionReplace;
     put(found->objid, point.objid);
     std::string fault = FaultOf(*found);
     if (!fault.empty()) return Fail(std::move(fault));
-    AppendMember(WritePunktortMember(document_, *found, organisation_, land_, &extract));
+    frame_.Append(WritePunktortMember(document_, *found, organisation_, land_, &extract));
   }
   return Walk::kOn;
 }
@@ -156,8 +152,8 @@ std::string WriteOrderFile(const std::string& output_path, const std::string& he
   if (points == nullptr) return "Fehler: Kein objekt in der Liste";
   std::string error = frame.Open(TemplatePath(header_name), points->antragn, points->auftrag);
   if (!error.empty()) return error;
-  if (frame.transaction() == nullptr) return kNothingFound;
-  OrderWriter writer(frame, points->antragn, organisation, land);
+  if (!frame.TakesMembers()) return kNothingFound;
+  OrderWriter writer(&frame, points->antragn, organisation, land);
   std::int32_t count = 0;
   for (PointRecord* point = points; point != nullptr && count <= limit; point = point->next) {
     const Walk walk = writer.Append(point);

@@ -11,7 +11,8 @@ namespace platform {
 Block TakeBlock(std::size_t size) {
   if (size == 0) size = 1;
   const bool large = size % kLargePage == 0;
-  Block block(static_cast<char*>(large ? std::aligned_alloc(kLargePage, size) : std::malloc(size)));
+  const std::size_t alignment = large ? kLargePage : kPage;
+  Block block(static_cast<char*>(size % kPage == 0 ? std::aligned_alloc(alignment, size) : std::malloc(size)));
   if (block == nullptr) throw std::bad_alloc();
   if (large) {
     const KeepSystemError keep;

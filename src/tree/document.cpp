@@ -8,7 +8,7 @@
 
 namespace pktaus {
 
-CTreeDocument::CTreeDocument() : store_(std::make_unique<BlockStore>()) {
+CTreeDocument::CTreeDocument() : storage_(std::make_unique<Storage>(this)) {
   header_ = MakeHeader();
   header_->SetValue("xml version=\"1.0\" encoding=\"UTF-8\"");
 }
@@ -79,28 +79,21 @@ NameId CTreeDocument::NameFor(std::string_view name) {
 void CTreeDocument::ForgetNodes() {
   root_ = nullptr;
   header_ = nullptr;
-  store_ = std::make_unique<BlockStore>();
+  storage_ = std::make_unique<Storage>(this);
 }
 
-CTreeNode* CTreeDocument::MakeNode(NameId name) { return new (store_->Take<CTreeNode>()) CTreeNode(this, name); }
+CTreeNode* CTreeDocument::MakeNode(NameId name) { return new (storage_->objects.Take<CTreeNode>()) CTreeNode(name); }
 
 CTreeMarkupNode* CTreeDocument::MakeMarkup(NameId name) {
-  return new (store_->Take<CTreeMarkupNode>()) CTreeMarkupNode(this, name);
+  return new (storage_->objects.Take<CTreeMarkupNode>()) CTreeMarkupNode(name);
 }
 
 CTreeHeaderNode* CTreeDocument::MakeHeader() {
-  return new (store_->Take<CTreeHeaderNode>()) CTreeHeaderNode(this, names_.Intern("?"));
+  return new (storage_->objects.Take<CTreeHeaderNode>()) CTreeHeaderNode(names_.Intern("?"));
 }
 
 CTreeAttribute* CTreeDocument::MakeAttribute(NameId name, std::string_view value) {
-  return new (store_->Take<CTreeAttribute>()) CTreeAttribute{name, KeepText(value), nullptr};
-}
-
-std::string_view CTreeDocument::KeepText(std::string_view text) {
-  if (text.empty()) return {};
-  char* kept = store_->TakeText(text.size());
-  text.copy(kept, text.size());
-  return {kept, text.size()};
+  return new (storage_->objects.Take<CTreeAttribute>()) CTreeAttribute{name, KeepText(value), nullptr};
 }
 
 }  // namespace pktaus

@@ -65,6 +65,13 @@ class CTreeDocument {
   friend class IniReader;
   friend class XmlReader;
 
+  // Of the nodes and of all that they hold.
+  struct Storage {
+    explicit Storage(CTreeDocument* document) : objects(document) {}
+    ObjectStore objects;
+    BlockStore texts;
+  };
+
   /// Interns the name of a part of the tree; a refusal spoils the document.
   NameId NameFor(std::string_view name);
   void ForgetNodes();
@@ -72,15 +79,15 @@ class CTreeDocument {
   CTreeMarkupNode* MakeMarkup(NameId name);
   CTreeHeaderNode* MakeHeader();
   CTreeAttribute* MakeAttribute(NameId name, std::string_view value);
-  std::string_view KeepText(std::string_view text);
+  KeptText KeepText(std::string_view text) { return {text, &storage_->texts}; }
 
   CTreeNode* root_ = nullptr;
   CTreeHeaderNode* header_ = nullptr;
   std::string name_ = "GCPDocument";
   std::string path_;
   CNameTable names_;
-  std::unique_ptr<BlockStore> store_;  // nodes, attributes, values
-  bool spoilt_ = false;                // a name was refused to a program
+  std::unique_ptr<Storage> storage_;
+  bool spoilt_ = false;  // a name was refused to a program
 };
 
 }  // namespace pktaus

@@ -17,7 +17,7 @@ class IniReader {
 
  private:
   CTreeNode* ReadIniSection();
-  void ReadKey(std::string_view line, CTreeNode* section, CTreeNode* free_data);
+  void ReadKey(std::string_view line, ChildAppender* keys, ChildAppender* free_keys);
 
   CTreeDocument* document_;
   TextStream* stream_;
@@ -77,13 +77,14 @@ std::string_view TakeForm(std::string_view* value) {
 }  // namespace
 
 void IniReader::ReadFile(CTreeNode* root) {
+  ChildAppender sections(root);
   for (;;) {
     const std::uint64_t before = stream_->GetPosition();
     std::string_view line;
     if (!ReadLine(stream_, kFileLine, &line)) return;
     if (!line.starts_with('[')) continue;
     stream_->Seek(before);
-    root->AddChild(ReadIniSection());
+    sections.Append(ReadIniSection());
   }
 }
 
@@ -95,21 +96,21 @@ CTreeNode* IniReader::ReadIniSection() {
   const NameId name = document_->Intern(line.substr(1, end - 1));
   const NameId free_name = document_->Intern("FREEDATA");
   if (name == kNoName || free_name == kNoName) return nullptr;
-  CTreeNode* section = document_->MakeNode(name);
-  CTreeNode* free_data = document_->MakeNode(free_name);
-  section->AddChild(free_data);
+  ChildAppender keys(document_->MakeNode(name));
+  ChildAppender free_keys(document_->MakeNode(free_name));
+  keys.Append(free_keys.parent());
   for (;;) {
     const std::uint64_t before = stream_->GetPosition();
-    if (!ReadLine(stream_, kSectionLine, &line)) return section;
+    if (!ReadLine(stream_, kSectionLine, &line)) return keys.parent();
     if (line.starts_with('[')) {
       stream_->Seek(before);
-      return section;
+      return keys.parent();
     }
-    ReadKey(line, section, free_data);
+    ReadKey(line, &keys, &free_keys);
   }
 }
 
-void IniReader::ReadKey(std::string_view line, CTreeNode* section, CTreeNode* free_data) {
+void IniReader::ReadKey(std::string_view line, ChildAppender* keys, ChildAppender* free_keys) {
   const std::size_t equal = line.find('=');
   if (equal == kNone || line.substr(0, equal).find('#') != kNone) return;
   const bool is_free = line.front() == '"' || (free_keys_ && line.front() == '\'');
@@ -125,17 +126,17 @@ void IniReader::ReadKey(std::string_view line, CTreeNode* section, CTreeNode* fr
   CTreeNode* key = document_->MakeNode(name);
   key->first_attribute_ = document_->MakeAttribute(form_name, form);
   key->SetValue(value);
-  (is_free ? free_data : section)->AddChild(key);
+  (is_free ? free_keys : keys)->Append(key);
 }
 
 bool CTreeDocument::ReadIni(TextStream* stream, bool free_keys) {
-  std::unique_ptr<BlockStore> before = std::move(store_);
-  store_ = std::make_unique<BlockStore>();
+  std::unique_ptr<Storage> before = std::move(storage_);
+  storage_ = std::make_unique<Storage>(this);
   const NameId name = names_.Intern("INI");
   CTreeNode* root = name == kNoName ? nullptr : MakeNode(name);
   if (root != nullptr) IniReader(this, stream, free_keys).ReadFile(root);
   if (stream->Failed()) {
-    store_ = std::move(before);
+    storage_ = std::move(before);
     return false;
   }
   header_ = nullptr;

@@ -20,7 +20,7 @@ int CNameTable::BucketOf(std::string_view name) {
 }
 
 // Seeded, so that no file can be made whose names all fall on one place.
-std::uint64_t CNameTable::SlotHash(std::string_view name) const {
+std::uint32_t CNameTable::SlotHash(std::string_view name) const {
   constexpr std::uint64_t kFactor = 0xD6E8FEB86659FD93U;
   std::uint64_t hash = seed_ ^ name.size();
   const auto mix = [&](std::uint64_t word) {
@@ -38,34 +38,34 @@ std::uint64_t CNameTable::SlotHash(std::string_view name) const {
     mix(word);
   }
   mix(seed_ >> 7);
-  return hash;
+  return static_cast<std::uint32_t>(hash);
 }
 
 NameId CNameTable::Intern(std::string_view name) {
   if (name.size() > kMaxNameLength) return kNoName;
-  const std::uint64_t hash = SlotHash(name);
+  const std::uint32_t hash = SlotHash(name);
   std::size_t at = hash & (slots_.size() - 1);
   for (; slots_[at].id != kNoName; at = (at + 1) & (slots_.size() - 1)) {
     const Slot& slot = slots_[at];
-    if (slot.hash == hash && slot.size == name.size() && EqualBytes(slot.text, name.data(), slot.size)) {
-      return slot.id;
-    }
+    if (slot.hash != hash) continue;
+    const std::string_view known = NameOf(slot.id);
+    if (known.size() == name.size() && EqualBytes(known.data(), name.data(), name.size())) return slot.id;
   }
   const int bucket = BucketOf(name);
-  std::vector<Entry>& chain = buckets_[static_cast<std::size_t>(bucket)];
+  std::vector<KeptText>& chain = buckets_[static_cast<std::size_t>(bucket)];
   if (chain.size() >= kMaxPerBucket) return kNoName;
   const NameId id = static_cast<NameId>(chain.size()) * 65536 + bucket;
-  char* text = texts_.TakeText(name.size() + 1);
-  name.copy(text, name.size());
-  text[name.size()] = '\0';
-  chain.push_back({text, static_cast<std::uint32_t>(name.size())});
-  slots_[at] = {hash, text, static_cast<std::uint32_t>(name.size()), id};
+  const KeptText text(name.size() + 1, &texts_);
+  name.copy(text.data(), name.size());
+  text.data()[name.size()] = '\0';
+  chain.push_back(text);
+  slots_[at] = {hash, id};
   if (++count_ * 2 > slots_.size()) Grow();
   return id;
 }
 
 void CNameTable::Grow() {
-  std::vector<Slot> old(slots_.size() * 4);
+  std::vector<Slot> old(slots_.size() * 2);
   old.swap(slots_);
   for (const Slot& slot : old) {
     if (slot.id == kNoName) continue;

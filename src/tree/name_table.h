@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tree/block_store.h"
+#include "tree/kept_text.h"
 
 namespace pktaus {
 
@@ -37,8 +38,9 @@ class CNameTable {
   /// Text of a name, with a NUL behind it. `id` comes from Intern; kNoName gives an empty text.
   std::string_view NameOf(NameId id) const {
     if (id < 0) return {};
-    const Entry& entry = buckets_[static_cast<std::size_t>(id & 0xFFFF)][static_cast<std::size_t>(id >> 16)];
-    return {entry.text, entry.size};
+    std::string_view text = buckets_[static_cast<std::size_t>(id & 0xFFFF)][static_cast<std::size_t>(id >> 16)].get();
+    text.remove_suffix(1);
+    return text;
   }
 
   std::size_t size() const { return count_; }
@@ -47,23 +49,17 @@ class CNameTable {
   static int BucketOf(std::string_view name);
 
  private:
-  struct Entry {
-    const char* text;
-    std::uint32_t size;
-  };
   // One place of the side index, which finds an id without a walk along the chain.
   struct Slot {
-    std::uint64_t hash = 0;
-    const char* text = nullptr;
-    std::uint32_t size = 0;
+    std::uint32_t hash = 0;
     NameId id = kNoName;
   };
 
-  std::uint64_t SlotHash(std::string_view name) const;
+  std::uint32_t SlotHash(std::string_view name) const;
   void Grow();
 
-  std::array<std::vector<Entry>, kBuckets> buckets_;
-  std::vector<Slot> slots_;  // a power of two, at most half full
+  std::array<std::vector<KeptText>, kBuckets> buckets_;  // each text with its NUL
+  std::vector<Slot> slots_;                              // a power of two, at most half full
   std::size_t count_ = 0;
   std::uint64_t seed_;
   BlockStore texts_;

@@ -22,24 +22,28 @@ bool MatchesLocally(std::string_view wanted, std::string_view name) {
 
 }  // namespace
 
-std::string_view CTreeNode::GetName() const { return document_->NameOf(name_); }
+std::string_view CTreeNode::GetName() const { return GetDocument()->NameOf(name_); }
 
 std::string_view CTreeNode::GetLocalName() const { return LocalPart(GetName()); }
 
 void CTreeNode::SetValue(std::string_view value) {
-  if (value.size() <= value_.size() && !value.empty()) {
+  if (value.size() > value_.size()) {
+    value_ = GetDocument()->KeepText(value);
+  } else if (!value.empty()) {
     // Its own memory is large enough; `value` may lie in it.
-    char* const own = const_cast<char*>(value_.data());
-    std::memmove(own, value.data(), value.size());
-    value_ = {own, value.size()};
+    std::memmove(value_.data(), value.data(), value.size());
+    value_.Cut(value.size());
   } else {
-    value_ = document_->KeepText(value);
+    value_ = {};
   }
 }
 
-void CTreeNode::AddChild(CTreeNode* child) {
-  if (child != nullptr) AddChildAfter(child, last_child_);
+ChildAppender::ChildAppender(CTreeNode* parent) : parent_(parent) {
+  CTreeNode* child = parent == nullptr ? nullptr : parent->GetFirstChild();
+  for (; child != nullptr; child = child->GetNextSibling()) last_ = child;
 }
+
+void CTreeNode::AddChild(CTreeNode* child) { ChildAppender(this).Append(child); }
 
 void CTreeNode::AddChildAfter(CTreeNode* child, CTreeNode* last) {
   if (first_child_ == nullptr) {
@@ -47,13 +51,12 @@ void CTreeNode::AddChildAfter(CTreeNode* child, CTreeNode* last) {
   } else {
     last->next_sibling_ = child;
   }
-  last_child_ = child;
 }
 
 CTreeNode* CTreeNode::FindChild(std::string_view name, bool local_name, CTreeNode* start) const {
   CTreeNode* child = start == nullptr ? first_child_ : start;
   if (!local_name) {
-    const NameId id = document_->Intern(name);
+    const NameId id = GetDocument()->Intern(name);
     while (child != nullptr && (child->name_ != id || id == kNoName)) child = child->next_sibling_;
     return child;
   }
@@ -67,23 +70,23 @@ CTreeNode* CTreeNode::FindKey(std::string_view key) const {
 }
 
 void CTreeNode::SetAttribute(std::string_view name, std::string_view value) {
-  const NameId id = document_->NameFor(name);
+  const NameId id = GetDocument()->NameFor(name);
   if (id == kNoName) return;
   CTreeAttribute** link = &first_attribute_;
   while (*link != nullptr && (*link)->name != id) link = &(*link)->next;
   if (*link == nullptr) {
-    *link = document_->MakeAttribute(id, value);
+    *link = GetDocument()->MakeAttribute(id, value);
   } else {
-    (*link)->value = document_->KeepText(value);
+    (*link)->value = GetDocument()->KeepText(value);
   }
 }
 
 std::string_view CTreeNode::GetAttribute(std::string_view name) const {
-  const NameId id = document_->Intern(name);
+  const NameId id = GetDocument()->Intern(name);
   if (id == kNoName) return {};
   const CTreeAttribute* attribute = first_attribute_;
   while (attribute != nullptr && attribute->name != id) attribute = attribute->next;
-  return attribute == nullptr ? std::string_view() : attribute->value;
+  return attribute == nullptr ? std::string_view() : attribute->value.get();
 }
 
 }  // namespace pktaus

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "tree/block_store.h"
+#include "tree/kept_text.h"
 #include "tree/name_table.h"
 
 namespace pktaus {
@@ -15,7 +17,7 @@ class TextStream;
 /// One attribute of a node. Read it through the node's list; change it with CTreeNode::SetAttribute.
 struct CTreeAttribute {
   NameId name = kNoName;
-  std::string_view value;
+  KeptText value;
   CTreeAttribute* next = nullptr;
 };
 
@@ -35,13 +37,13 @@ class CTreeNode {
   std::string_view GetLocalName() const;
 
   /// Valid until the value is set again.
-  std::string_view GetValue() const { return value_; }
+  std::string_view GetValue() const { return value_.get(); }
   void SetValue(std::string_view value);
 
   CTreeNode* GetFirstChild() const { return first_child_; }
   CTreeNode* GetNextSibling() const { return next_sibling_; }
 
-  /// Appends at the end; null changes nothing.
+  /// Appends at the end, which it walks to; null changes nothing.
   void AddChild(CTreeNode* child);
   /// Appends behind `last`, the present last child, or as the first where there is none.
   void AddChildAfter(CTreeNode* child, CTreeNode* last);
@@ -59,13 +61,13 @@ class CTreeNode {
   std::string_view GetAttribute(std::string_view name) const;
   const CTreeAttribute* GetFirstAttribute() const { return first_attribute_; }
 
-  CTreeDocument* GetDocument() const { return document_; }
+  CTreeDocument* GetDocument() const { return static_cast<CTreeDocument*>(ObjectStore::OwnerOf(this)); }
 
   /// Writes the node with its subtree in the XML form, as the root of what is written.
   virtual void Write(TextStream* stream) const;
 
  protected:
-  CTreeNode(CTreeDocument* document, NameId name) : document_(document), name_(name) {}
+  explicit CTreeNode(NameId name) : name_(name) {}
   virtual ~CTreeNode() = default;
 
  private:
@@ -76,14 +78,32 @@ class CTreeNode {
   friend class XmlReader;
   enum class Kind : std::uint8_t { kElement, kOther };
 
-  CTreeDocument* document_;
+  // Little more than its links: a file has millions of them.
   NameId name_;
   Kind kind_ = Kind::kElement;
-  std::string_view value_;
+  KeptText value_;
   CTreeNode* first_child_ = nullptr;
-  CTreeNode* last_child_ = nullptr;
   CTreeNode* next_sibling_ = nullptr;
   CTreeAttribute* first_attribute_ = nullptr;
+};
+
+/// Appends to the children of a node without a walk for each.
+class ChildAppender {
+ public:
+  /// Behind the present children; null for a node that is never appended to.
+  explicit ChildAppender(CTreeNode* parent);
+
+  CTreeNode* parent() const { return parent_; }
+  /// Null changes nothing.
+  void Append(CTreeNode* child) {
+    if (child == nullptr) return;
+    parent_->AddChildAfter(child, last_);
+    last_ = child;
+  }
+
+ private:
+  CTreeNode* parent_;
+  CTreeNode* last_ = nullptr;
 };
 
 /// The XML declaration: "?" with all that stands between the question marks as its value.
@@ -93,7 +113,7 @@ class CTreeHeaderNode final : public CTreeNode {
 
  private:
   friend class CTreeDocument;
-  CTreeHeaderNode(CTreeDocument* document, NameId name) : CTreeNode(document, name) { kind_ = Kind::kOther; }
+  explicit CTreeHeaderNode(NameId name) : CTreeNode(name) { kind_ = Kind::kOther; }
 };
 
 /// A comment ("--"), a marked section ("[") or another "<!" markup of an XML tree.
@@ -103,7 +123,7 @@ class CTreeMarkupNode final : public CTreeNode {
 
  private:
   friend class CTreeDocument;
-  CTreeMarkupNode(CTreeDocument* document, NameId name) : CTreeNode(document, name) { kind_ = Kind::kOther; }
+  explicit CTreeMarkupNode(NameId name) : CTreeNode(name) { kind_ = Kind::kOther; }
 };
 
 }  // namespace pktaus

@@ -19,7 +19,7 @@ void WriteStartTag(const CTreeNode& node, TextStream* stream) {
     stream->WriteMark(" ");
     stream->WriteString(name);
     stream->WriteMark("=\"");
-    stream->WriteString(a->value);
+    stream->WriteString(a->value.get());
     stream->WriteMark("\"");
   }
   stream->WriteMark(">");

@@ -204,8 +204,10 @@ void XmlReader::NextItem() {
 
 void XmlReader::AddItem() {
   OpenNode& parent = open_.back();
-  CTreeNode* node = parent.item.node;
-  if (!item_.dropped) node->AddChildAfter(item_.node, node->last_child_);
+  if (!item_.dropped) {
+    parent.item.node->AddChildAfter(item_.node, parent.last_child);
+    parent.last_child = item_.node;
+  }
   parent.item.levels = std::max(parent.item.levels, 1 + item_.levels);
   if (item_.is_old || kept_.size() > parent.first_kept) kept_.push_back(item_);
 }
@@ -213,20 +215,21 @@ void XmlReader::AddItem() {
 // Ends the child list of the innermost open node and remembers it from each of its old items on.
 void XmlReader::EndList() {
   OpenNode& parent = open_.back();
-  CTreeNode* node = parent.item.node;
   ListRest rest{nullptr, nullptr, item_.start, item_.levels};
   if (joined_ != nullptr) {
     rest = *joined_;
     joined_ = nullptr;
-    if (rest.first != nullptr) node->AddChildAfter(rest.first, node->last_child_);
-    if (rest.first != nullptr) node->last_child_ = rest.last;
+    if (rest.first != nullptr) {
+      parent.item.node->AddChildAfter(rest.first, parent.last_child);
+      parent.last_child = rest.last;
+    }
     if (open_.size() + static_cast<std::size_t>(rest.levels) > static_cast<std::size_t>(kMaxDepth)) stopped_ = true;
     stream_->Seek(rest.end);
   } else if (item_.is_old || kept_.size() > parent.first_kept) {
     rests_[item_.start] = rest;
   }
   parent.item.levels = std::max(parent.item.levels, 1 + rest.levels);
-  rest.last = node->last_child_;
+  rest.last = parent.last_child;
   for (; kept_.size() > parent.first_kept; kept_.pop_back()) {
     const Item& item = kept_.back();
     if (!item.dropped) rest.first = item.node;
@@ -553,9 +556,12 @@ std::uint64_t XmlReader::FindSectionEnd() {
 void XmlReader::SetText(CTreeNode* node, std::string_view text, bool convert) {
   if (node->kind_ == CTreeNode::Kind::kElement) text = Trim(text);
   if (text.empty()) return;
-  char* kept = document_->store_->TakeText(text.size());
-  if (!convert) text.copy(kept, text.size());
-  node->value_ = {kept, convert ? Utf8ToAnsi(text, kept) : text.size()};
+  node->value_ = {text.size(), &document_->storage_->texts};
+  if (convert) {
+    node->value_.Cut(Utf8ToAnsi(text, node->value_.data()));
+  } else {
+    text.copy(node->value_.data(), text.size());
+  }
 }
 
 // Reads the attributes and values that were passed over, for the nodes that are in the tree.

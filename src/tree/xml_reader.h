@@ -49,6 +49,7 @@ class XmlReader {
   struct OpenNode {
     Item item;
     std::size_t first_kept;  // in kept_
+    CTreeNode* last_child = nullptr;
   };
   // What a node still lacks.
   struct Lack {

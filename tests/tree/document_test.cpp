@@ -23,7 +23,7 @@ std::string TreeText(const CTreeNode* node) {
   std::string text = dynamic_cast<const pktaus::CTreeMarkupNode*>(node) != nullptr ? "!" : "";
   text += node->GetName();
   for (const pktaus::CTreeAttribute* a = node->GetFirstAttribute(); a != nullptr; a = a->next) {
-    text.append("[").append(node->GetDocument()->NameOf(a->name)).append("=").append(a->value).append("]");
+    text.append("[").append(node->GetDocument()->NameOf(a->name)).append("=").append(a->value.get()).append("]");
   }
   if (!node->GetValue().empty()) text.append("\"").append(node->GetValue()).append("\"");
   std::string children;
@@ -55,7 +55,7 @@ TEST(Node, FindsChildrenByLocalAndByWholeName) {
 
 TEST(Node, IsBuiltAndSearchedFromAStart) {
   CTreeDocument document;
-  CTreeNode* node = document.NewTextNode("a:b:c", "long value");
+  CTreeNode* node = document.NewNode("a:b:c");
   CTreeNode* first = document.NewNode("x");
   CTreeNode* second = document.NewNode("x");
   node->AddChild(first);
@@ -65,7 +65,11 @@ TEST(Node, IsBuiltAndSearchedFromAStart) {
   node->SetAttribute("k", "1");
   node->SetAttribute("l", "2");
   node->SetAttribute("k", "3");
-  node->SetValue(node->GetValue().substr(5));
+  for (const std::size_t size : {254U, 255U, 300U}) {  // on both sides of what a byte can tell
+    node->SetValue(std::string(size - 5, 'v') + "value");
+    EXPECT_EQ(node->GetValue().size(), size);
+    node->SetValue(node->GetValue().substr(size - 5));
+  }
   document.SetRoot(node);
   document.SetRoot(nullptr);
   EXPECT_EQ(document.GetName(), "a:b:c");
