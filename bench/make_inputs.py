@@ -3,6 +3,30 @@
 import os
 import sys
 
+QUALITY = """<qualitaetsangaben>
+<AX_DQPunktort>
+<herkunft>
+<gmd:LI_Lineage>
+<gmd:processStep>
+<gmd:LI_ProcessStep>
+<gmd:description>
+<AX_LI_ProcessStep_Punktort_Description>Erhebung</AX_LI_ProcessStep_Punktort_Description>
+</gmd:description>
+<gmd:source>
+<gmd:LI_Source>
+<gmd:description>
+<AX_Datenerhebung_Punktort>1000</AX_Datenerhebung_Punktort>
+</gmd:description>
+</gmd:LI_Source>
+</gmd:source>
+</gmd:LI_ProcessStep>
+</gmd:processStep>
+</gmd:LI_Lineage>
+</herkunft>
+<genauigkeitsstufe>2100</genauigkeitsstufe>
+</AX_DQPunktort>
+</qualitaetsangaben>
+"""
 MEMBER = """<wfs:Insert>
 <AX_BesondererGebaeudepunkt gml:id="DE_{a:013d}">
 <lebenszeitintervall>
@@ -41,30 +65,7 @@ MEMBER = """<wfs:Insert>
 <kartendarstellung>true</kartendarstellung>
 <koordinatenstatus>1000</koordinatenstatus>
 <hinweise>geprüft</hinweise>
-<qualitaetsangaben>
-<AX_DQPunktort>
-<herkunft>
-<gmd:LI_Lineage>
-<gmd:processStep>
-<gmd:LI_ProcessStep>
-<gmd:description>
-<AX_LI_ProcessStep_Punktort_Description>Erhebung</AX_LI_ProcessStep_Punktort_Description>
-</gmd:description>
-<gmd:source>
-<gmd:LI_Source>
-<gmd:description>
-<AX_Datenerhebung_Punktort>1000</AX_Datenerhebung_Punktort>
-</gmd:description>
-</gmd:LI_Source>
-</gmd:source>
-</gmd:LI_ProcessStep>
-</gmd:processStep>
-</gmd:LI_Lineage>
-</herkunft>
-<genauigkeitsstufe>2100</genauigkeitsstufe>
-</AX_DQPunktort>
-</qualitaetsangaben>
-</AX_PunktortAG>
+""" + QUALITY + """</AX_PunktortAG>
 </wfs:Insert>
 """
 ROOT = """<?xml version="1.0" encoding="UTF-8"?>
@@ -236,30 +237,7 @@ POSITION = """<wfs:member>
 <kartendarstellung>true</kartendarstellung>
 <koordinatenstatus>1000</koordinatenstatus>
 <hinweise>1110</hinweise>
-<qualitaetsangaben>
-<AX_DQPunktort>
-<herkunft>
-<gmd:LI_Lineage>
-<gmd:processStep>
-<gmd:LI_ProcessStep>
-<gmd:description>
-<AX_LI_ProcessStep_Punktort_Description>Erhebung</AX_LI_ProcessStep_Punktort_Description>
-</gmd:description>
-<gmd:source>
-<gmd:LI_Source>
-<gmd:description>
-<AX_Datenerhebung_Punktort>1000</AX_Datenerhebung_Punktort>
-</gmd:description>
-</gmd:LI_Source>
-</gmd:source>
-</gmd:LI_ProcessStep>
-</gmd:processStep>
-</gmd:LI_Lineage>
-</herkunft>
-<genauigkeitsstufe>2100</genauigkeitsstufe>
-</AX_DQPunktort>
-</qualitaetsangaben>
-</AX_Punktort%(kind)s>
+""" + QUALITY + """</AX_Punktort%(kind)s>
 </wfs:member>
 """
 POINTS_OF_MB = 280  # with one to three position objects each
