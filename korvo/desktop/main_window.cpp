@@ -53,7 +53,7 @@ MainWindow::MainWindow(Waits& waits, std::string library)
   setStatusBar(status_);
   BuildActions();
   ShowProject({});
-  resize(1280, 800);
+  resize(OnScreen(*this, {1280, 800}));
   QSettings remembered = Remembered();
   restoreGeometry(remembered.value(QStringLiteral("window/geometry")).toByteArray());
   splitter_->restoreState(remembered.value(QStringLiteral("window/splitter")).toByteArray());

@@ -45,6 +45,7 @@ QLayout* PointTableView::BuildFilter() {
   text_->setClearButtonEnabled(true);
   text_->setAccessibleName(QStringLiteral("Text, den die Zeilen enthalten"));
   column_ = new QComboBox;
+  column_->setObjectName(QStringLiteral("filter_column"));
   column_->setAccessibleName(QStringLiteral("Spalte des Filters"));
   column_->addItem(QStringLiteral("in allen Spalten"));
   state_ = new QComboBox;

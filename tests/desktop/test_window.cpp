@@ -144,6 +144,16 @@ TEST_F(Window, IsWorkedByKeyboardAlone) {
   for (const QString& keys : bar) EXPECT_EQ(bar.count(keys), 1U) << keys.toStdString();
 
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+  std::string stops;
+  QWidget* at = Find<QLineEdit>("find");
+  at->setFocus();
+  do {
+    stops += at->objectName().toStdString() + " ";
+    QTest::keyClick(at, Qt::Key_Tab);
+    at = QApplication::focusWidget();
+  } while (at != Find<QLineEdit>("find") && stops.size() < 200);
+  EXPECT_EQ(stops, "find find_button map filter filter_column filter_state table   ");
+
   auto* table = Find<QTableView>("table");
   table->setCurrentIndex(table->model()->index(0, 1));
   for (const char* first : {"649900.000", "32649910.0", "649900.000"}) {
