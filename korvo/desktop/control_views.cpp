@@ -227,7 +227,12 @@ class RadioView : public ControlView {
   }
   void ShowContents() override {
     buttons_->setExclusive(group_.chosen >= 0);
-    for (QAbstractButton* button : buttons_->buttons()) button->setChecked(buttons_->id(button) == group_.chosen);
+    for (QAbstractButton* button : buttons_->buttons()) {
+      const int option = buttons_->id(button);
+      button->setChecked(option == group_.chosen);
+      // The keyboard comes to the one that is chosen.
+      button->setFocusPolicy(option == std::max(group_.chosen, 0) ? Qt::StrongFocus : Qt::ClickFocus);
+    }
     buttons_->setExclusive(true);
   }
 
