@@ -1,7 +1,9 @@
 #include "korvo/desktop/desktop_front_end.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
@@ -86,6 +88,25 @@ void SetText(QMessageBox* box, const QString& text) {
   if (is_long) box->setDetailedText(text);
 }
 
+class Box : public QMessageBox {
+ public:
+  using QMessageBox::QMessageBox;
+  /// Neither Escape nor the window's own way out answers for the person.
+  void MustBeAnswered() {
+    must_be_answered_ = true;
+    setWindowFlag(Qt::WindowCloseButtonHint, false);
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (!must_be_answered_ || event->key() != Qt::Key_Escape) QMessageBox::keyPressEvent(event);
+  }
+  void closeEvent(QCloseEvent* event) override { must_be_answered_ ? event->ignore() : QMessageBox::closeEvent(event); }
+
+ private:
+  bool must_be_answered_ = false;
+};
+
 }  // namespace
 
 DesktopFrontEnd::DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock)
@@ -144,10 +165,10 @@ void DesktopFrontEnd::Run(toolkit::Dialog& dialog, toolkit::Window parent) {
 
 int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, unsigned flags,
                              toolkit::Window parent) {
-  QMessageBox* shown = nullptr;
+  Box* shown = nullptr;
   Waits::Wait wait(waits_, [&] { shown->done(0); });
   ShowDialogs();
-  QMessageBox box(Below(parent));
+  Box box(Below(parent));
   shown = &box;
   box.setWindowModality(Qt::ApplicationModal);
   box.setWindowTitle(AsLine(title));
@@ -155,9 +176,13 @@ int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, 
   SetText(&box, AsLines(text));
   const QMessageBox::StandardButtons buttons = ButtonsOf(flags);
   box.setStandardButtons(buttons);
+  int before_default = (flags & toolkit::kBoxSecondIsDefault) != 0 ? 1 : 0;
   for (const BoxButton& one : kBoxButtons) {
-    if (buttons.testFlag(one.button)) box.button(one.button)->setText(QString::fromUtf16(one.caption));
+    if (!buttons.testFlag(one.button)) continue;
+    box.button(one.button)->setText(QString::fromUtf16(one.caption));
+    if (before_default-- == 0) box.setDefaultButton(one.button);
   }
+  if ((buttons & (QMessageBox::Ok | QMessageBox::Cancel)) == 0) box.MustBeAnswered();
   QObject::connect(&box, &QDialog::finished, &box, [&] { wait.Stop(); });
   box.show();
   wait.Run();

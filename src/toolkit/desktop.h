@@ -19,7 +19,8 @@ struct WindowInfo {
   std::string class_name;
 };
 
-/// Flags of a message box: buttons in the low four bits, icon above. The values are the system's own.
+/// Flags of a message box: buttons in the low four bits, icon above, then which button Enter means if not the first.
+/// The values are the system's own.
 inline constexpr unsigned kBoxOk = 0x00;
 inline constexpr unsigned kBoxOkCancel = 0x01;
 inline constexpr unsigned kBoxYesNoCancel = 0x03;
@@ -28,9 +29,10 @@ inline constexpr unsigned kBoxError = 0x10;
 inline constexpr unsigned kBoxQuestion = 0x20;
 inline constexpr unsigned kBoxWarning = 0x30;
 inline constexpr unsigned kBoxInformation = 0x40;
+inline constexpr unsigned kBoxSecondIsDefault = 0x100;
 
 /// Answers of a message box, the system's own values. A box closed without a button answers kAnswerCancel, or
-/// kAnswerOk where it has no other button.
+/// kAnswerOk where it has no other button. A person cannot close one that has neither OK nor Cancel, only leave all.
 inline constexpr int kAnswerOk = 1;
 inline constexpr int kAnswerCancel = 2;
 inline constexpr int kAnswerYes = 6;

@@ -387,15 +387,18 @@ TEST_F(Windows, LeavingClosesAllThatIsOpenAndThenTheMenu) {
 TEST_F(Windows, BoxesAnswerInGerman) {
   const struct {
     unsigned flags;
-    Qt::Key key;
+    std::vector<Qt::Key> keys;
     int answer;
     const char* captions;
   } kCases[] = {
-      {toolkit::kBoxOk, Qt::Key_Escape, toolkit::kAnswerOk, "OK "},
-      {toolkit::kBoxOkCancel | toolkit::kBoxWarning, Qt::Key_Return, toolkit::kAnswerOk, "OK Abbrechen "},
-      {toolkit::kBoxOkCancel, Qt::Key_Escape, toolkit::kAnswerCancel, "OK Abbrechen "},
-      {toolkit::kBoxYesNo, Qt::Key_J, toolkit::kAnswerYes, "&Ja &Nein "},
-      {toolkit::kBoxYesNoCancel, Qt::Key_N, toolkit::kAnswerNo, "Abbrechen &Ja &Nein "},
+      {toolkit::kBoxOk, {Qt::Key_Escape}, toolkit::kAnswerOk, "OK "},
+      {toolkit::kBoxOkCancel | toolkit::kBoxWarning, {Qt::Key_Return}, toolkit::kAnswerOk, "OK Abbrechen "},
+      {toolkit::kBoxOkCancel, {Qt::Key_Escape}, toolkit::kAnswerCancel, "OK Abbrechen "},
+      {toolkit::kBoxYesNo, {Qt::Key_J}, toolkit::kAnswerYes, "&Ja &Nein "},
+      {toolkit::kBoxYesNo, {Qt::Key_Escape, Qt::Key_Return}, toolkit::kAnswerYes, "&Ja &Nein "},
+      {toolkit::kBoxYesNo, {Qt::Key_Tab, Qt::Key_Return}, toolkit::kAnswerNo, "&Ja &Nein "},
+      {toolkit::kBoxYesNo | toolkit::kBoxSecondIsDefault, {Qt::Key_Return}, toolkit::kAnswerNo, "&Ja &Nein "},
+      {toolkit::kBoxYesNoCancel, {Qt::Key_N}, toolkit::kAnswerNo, "Abbrechen &Ja &Nein "},
   };
   for (const auto& c : kCases) {
     Then([&](QWidget* window) {
@@ -406,8 +409,10 @@ TEST_F(Windows, BoxesAnswerInGerman) {
       EXPECT_EQ(captions, c.captions);
       EXPECT_EQ(static_cast<QMessageBox*>(window)->text(), QStringLiteral("<b>&amp;</b>\nzwei"));
       EXPECT_EQ(static_cast<QMessageBox*>(window)->textFormat(), Qt::PlainText);
-      const bool letter = c.key != Qt::Key_Escape && c.key != Qt::Key_Return;
-      QTest::keyClick(window, c.key, letter ? Qt::AltModifier : Qt::NoModifier);
+      if ((c.flags & 0x0FU) == toolkit::kBoxYesNo) window->close();
+      for (const Qt::Key key : c.keys) {
+        QTest::keyClick(window, key, key <= Qt::Key_Z ? Qt::AltModifier : Qt::NoModifier);
+      }
     });
     EXPECT_EQ(desktop.ShowBox("<b>&amp;</b>\n\rzwei", "Titel", c.flags, 0), c.answer);
   }
