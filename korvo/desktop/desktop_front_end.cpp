@@ -7,7 +7,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "base/path.h"
@@ -29,6 +28,7 @@ constexpr const char* kOtherClass = "Dialog";
 /// Longer texts of a box would make it larger than the screen; they can be unfolded.
 constexpr qsizetype kLongestText = 1500;
 constexpr qsizetype kMostLines = 30;
+constexpr const char* kStrangePath = "Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252): "_ansi;
 
 toolkit::Window HandleOf(const QWidget* widget) { return reinterpret_cast<toolkit::Window>(widget); }
 
@@ -110,7 +110,7 @@ class Box : public QMessageBox {
 }  // namespace
 
 DesktopFrontEnd::DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock)
-    : shell_(shell), waits_(waits), clock_(clock) {}
+    : shell_(shell), waits_(waits), clock_(clock), guard_(*shell.Widget()) {}
 
 DesktopFrontEnd::~DesktopFrontEnd() = default;
 
@@ -134,7 +134,7 @@ void DesktopFrontEnd::PointChanged(std::int32_t number) {
 }
 
 QWidget* DesktopFrontEnd::Below(toolkit::Window parent) const {
-  if (!windows_.empty()) return windows_.back();
+  if (front() != nullptr) return front();
   QWidget* const asked = WidgetOf(parent);
   return asked != nullptr ? asked : shell_.Widget();
 }
@@ -152,6 +152,7 @@ void DesktopFrontEnd::Run(toolkit::Dialog& dialog, toolkit::Window parent) {
   ShowDialogs();
   DialogWindow window(dialog, waits_, Below(parent), [&] { wait.Stop(); });
   shown = &window;
+  const ModalGuard::Hold hold(guard_, window);
   windows_.push_back(&window);
   window.show();
   try {
@@ -170,7 +171,7 @@ int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, 
   ShowDialogs();
   Box box(Below(parent));
   shown = &box;
-  box.setWindowModality(Qt::ApplicationModal);
+  const ModalGuard::Hold hold(guard_, box);
   box.setWindowTitle(AsLine(title));
   box.setIcon(IconOf(flags));
   SetText(&box, AsLines(text));
@@ -194,27 +195,40 @@ int DesktopFrontEnd::ShowBox(const std::string& text, const std::string& title, 
   return answer;
 }
 
-bool DesktopFrontEnd::RunPicker(Picker* picker, std::string* path) {
-  picker->setWindowModality(Qt::ApplicationModal);
-  for (;;) {
-    {
-      Waits::Wait wait(waits_, [&] { picker->reject(); });
-      const QMetaObject::Connection stop = QObject::connect(picker, &QDialog::finished, picker, [&] { wait.Stop(); });
-      picker->show();
-      wait.Run();
-      QObject::disconnect(stop);
-    }
-    if (picker->result() != QDialog::Accepted) return false;
-    const QString chosen = picker->selectedFiles().value(0);
-    if (const std::optional<std::string> inside = path::FromDisk(chosen.toStdString())) {
-      *path = *inside;
-      Picker::Remember(chosen);
-      return true;
-    }
-    ShowBox(std::string("Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252): "_ansi) +
-                text::FromUtf8Lossy(chosen.toStdString()),
-            "Korvo", toolkit::kBoxWarning, HandleOf(picker));
-  }
+bool DesktopFrontEnd::CanTell(const QString& path) {
+  if (path::FromDisk(path.toStdString())) return true;
+  ShowBox(kStrangePath + text::FromUtf8Lossy(path.toStdString()), "Korvo", toolkit::kBoxWarning, 0);
+  return false;
+}
+
+bool DesktopFrontEnd::MayOverwrite(const QString& path) {
+  constexpr unsigned kFlags = toolkit::kBoxYesNo | toolkit::kBoxWarning | toolkit::kBoxSecondIsDefault;
+  const QFileInfo file(path);
+  if (!file.exists()) return true;
+  const std::string question =
+      ToAnsi(QStringLiteral("Die Datei „%1“ gibt es schon.\nSoll sie überschrieben werden?").arg(file.fileName()));
+  return ShowBox(question, "Korvo", kFlags, 0) == toolkit::kAnswerYes;
+}
+
+bool DesktopFrontEnd::RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path) {
+  picker->takes = [&](const QString& chosen) {
+    bool taken = false;
+    waits_.AtEdge([&] { taken = CanTell(chosen) && (!ask_before_overwrite || MayOverwrite(chosen)); });
+    return taken;
+  };
+  Waits::Wait wait(waits_, [&] {
+    guard_.CloseAbove(*picker);
+    picker->reject();
+  });
+  QObject::connect(picker, &QDialog::finished, picker, [&] { wait.Stop(); });
+  const ModalGuard::Hold hold(guard_, *picker);
+  picker->show();
+  wait.Run();
+  if (picker->result() != QDialog::Accepted) return false;
+  const QString chosen = picker->selectedFiles().value(0);
+  *path = path::FromDisk(chosen.toStdString()).value();
+  Picker::Remember(chosen);
+  return true;
 }
 
 bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) {
@@ -223,7 +237,7 @@ bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path,
   Picker picker(Below(pick.owner), AsLine(pick.title));
   picker.setAcceptMode(pick.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   picker.setFileMode(pick.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-  picker.setOption(QFileDialog::DontConfirmOverwrite, !pick.ask_before_overwrite);
+  picker.setOption(QFileDialog::DontConfirmOverwrite);
   QStringList filters;
   for (const toolkit::FileFilter& one : pick.filters) {
     const QString pattern = QString(FromAnsi(one.pattern)).replace(QChar(u';'), QChar(u' '));
@@ -233,7 +247,7 @@ bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path,
   if (!filters.isEmpty()) picker.setNameFilters(filters);
   if (pick.save && pick.default_extension != "*") picker.setDefaultSuffix(FromAnsi(pick.default_extension));
   if (!pick.path.empty()) picker.selectFile(FromAnsi(pick.path));
-  if (!RunPicker(&picker, path)) return false;
+  if (!RunPicker(&picker, pick.save && pick.ask_before_overwrite, path)) return false;
   if (filter != nullptr)
     *filter = static_cast<int>(std::max<qsizetype>(filters.indexOf(picker.selectedNameFilter()), 0));
   if (pick.save) {
@@ -249,7 +263,7 @@ bool DesktopFrontEnd::PickFolder(const std::string& title, toolkit::Window paren
   Picker picker(Below(parent), AsLine(title));
   picker.setOption(QFileDialog::ShowDirsOnly);
   picker.setFileMode(QFileDialog::Directory);
-  return RunPicker(&picker, path);
+  return RunPicker(&picker, false, path);
 }
 
 void DesktopFrontEnd::TellSaved() {

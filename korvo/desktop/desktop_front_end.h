@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/shell.h"
 #include "korvo/host/front_end.h"
 
@@ -35,19 +36,26 @@ class DesktopFrontEnd : public FrontEnd {
   toolkit::Window ForegroundWindow() override;
   const platform::Clock& Clock() override { return clock_; }
 
+  /// The window that the person has to answer; null for none.
+  QDialog* front() const { return guard_.front(); }
+
  private:
-  /// The widget above which something opens: the innermost dialog, else the window that was asked for.
+  /// The widget above which something opens: the one in front, else the window that was asked for.
   QWidget* Below(toolkit::Window parent) const;
   /// Brings the open dialogs up to date before something opens above them.
   void ShowDialogs();
   /// Runs a picker until it has a path that the plug-in can be told; false when the person cancelled.
-  bool RunPicker(Picker* picker, std::string* path);
+  bool RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path);
+  /// Whether the plug-in can be told the path; where it cannot, the person is told why.
+  bool CanTell(const QString& path);
+  bool MayOverwrite(const QString& path);
   /// Looks whether the file of the last save picker has been written since.
   void TellSaved();
 
   Shell& shell_;
   Waits& waits_;
   const platform::Clock& clock_;
+  ModalGuard guard_;
   std::vector<DialogWindow*> windows_;  ///< open dialogs, the innermost last
   QString saved_path_;
   QDateTime saved_before_;  ///< when the file was last written before the picker; not valid where it was not there

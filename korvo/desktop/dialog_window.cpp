@@ -63,7 +63,6 @@ void AddSegment(QGridLayout* grid, int row, int column, int columns, const Segme
 
 DialogWindow::DialogWindow(toolkit::Dialog& dialog, Waits& waits, QWidget* parent, std::function<void()> ended)
     : QDialog(parent), dialog_(dialog), waits_(waits), ended_(std::move(ended)) {
-  setWindowModality(Qt::ApplicationModal);
   auto* column = new QVBoxLayout(this);
   auto* body = new QWidget(this);
   column->addWidget(body, 1);

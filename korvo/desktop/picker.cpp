@@ -80,6 +80,10 @@ QString Picker::Ask() {
   return picked;
 }
 
+void Picker::done(int result) {
+  if (result != Accepted || !takes || takes(selectedFiles().value(0))) QFileDialog::done(result);
+}
+
 void Picker::Remember(const QString& picked) {
   const QFileInfo facts(picked);
   Remembered().setValue(FolderKey(), facts.isDir() ? facts.absoluteFilePath() : facts.absolutePath());

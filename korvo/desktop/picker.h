@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFileDialog>
+#include <functional>
 #include <memory>
 
 class QFileIconProvider;
@@ -21,10 +22,16 @@ class Picker : private PickerIcons, public QFileDialog {
   Picker(QWidget* parent, const QString& title);
   ~Picker() override;
 
+  /// Whether it takes what is chosen, where it is not to take all; it stays open where not.
+  std::function<bool(const QString& chosen)> takes;
+
   /// What the person picks; empty for nothing.
   QString Ask();
   /// The next picker begins there.
   static void Remember(const QString& picked);
+
+ protected:
+  void done(int result) override;
 };
 
 }  // namespace korvo

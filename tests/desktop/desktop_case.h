@@ -71,10 +71,9 @@ class DesktopCase : public testing::Test {
  private:
   void Soon() {
     QTimer::singleShot(1, [this] {
-      QWidget* const front = QApplication::activeModalWidget();
-      // Nobody else gives the focus back to a window when the one above it closes.
-      if (front != nullptr) front->activateWindow();
+      QWidget* const front = desktop.front();
       if (front == nullptr || !front->isActiveWindow()) return Soon();
+      EXPECT_EQ(QGuiApplication::modalWindow(), nullptr) << "or the main window could not be closed";
       const std::function<void(QWidget*)> act = std::move(person_.front());
       person_.pop_front();
       // The act may open a loop, in which the next one comes.

@@ -7,8 +7,10 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTreeView>
 #include <memory>
 #include <stdexcept>
 
@@ -382,6 +384,73 @@ TEST_F(Windows, LeavingClosesAllThatIsOpenAndThenTheMenu) {
   EXPECT_EQ(chosen, (std::vector{2, 0}));
   EXPECT_EQ(shell.told, "PKTAUMEN - PKTAUMEN - pick - ");
   EXPECT_FALSE(waits.RunPlugin([] {})) << "nobody has left this one";
+}
+
+TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
+  const support::TempFolder folder;
+  const std::string file = folder.Write("alt.XML", "alt");
+  for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return}) {
+    Then([&, key](QWidget* window) {
+      auto* const files = window->findChild<QTreeView*>();
+      static_cast<QFileDialog*>(window)->setDirectory(QString::fromStdString(folder.path()));
+      EXPECT_TRUE(QTest::qWaitFor([&] { return files->model()->rowCount(files->rootIndex()) == 1; }));
+      files->setFocus();
+      files->setCurrentIndex(files->model()->index(0, 0, files->rootIndex()));
+      Then([&](QWidget* question) {
+        EXPECT_NE(qobject_cast<QMessageBox*>(question), nullptr);
+        waits.Leave();
+      });
+      QTest::keyClick(files, key);
+    });
+    std::string path;
+    EXPECT_TRUE(waits.RunPlugin([&] {
+      EXPECT_FALSE(desktop.PickFile({.save = true, .title = "", .path = "", .filters = {}, .default_extension = "*"},
+                                    &path, nullptr));
+    }));
+    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(file)));
+  }
+}
+
+TEST_F(Windows, OnlyTheOneInFrontTakesInputButTheMainOneCanBeClosed) {
+  auto* const behind = new QPushButton(&shell.window);
+  behind->setShortcut(Qt::Key_F2);
+  behind->show();
+  QSignalSpy clicked(behind, &QPushButton::clicked);
+  toolkit::Button ask(9001, "Fragen");
+  PlayedDlg dialog({&ask});
+  int asked = 0;
+  dialog.pressed = [&](toolkit::ControlId id) {
+    if (id != 9001) return dialog.End(id);
+    ++asked;
+    desktop.ShowBox("Wirklich?", "Frage", toolkit::kBoxYesNo, 0);
+  };
+  QWidget* outer = nullptr;
+  Then([&](QWidget* window) {
+    outer = window;
+    QTest::mouseClick(pilot::Find(*window, 9001), Qt::LeftButton);
+  });
+  Then([&](QWidget* box) {
+    for (QWidget* button : {static_cast<QWidget*>(behind), pilot::Find(*outer, 9001)}) {
+      QWidget& window = *button->window();
+      window.activateWindow();
+      button->setFocus();
+      const QPoint middle = button->mapTo(&window, button->rect().center());
+      QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, middle);
+      for (const Qt::Key key : {Qt::Key_F2, Qt::Key_Space}) QTest::keyClick(window.windowHandle(), key);
+      QTest::keyClick(button, Qt::Key_Space);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return box->isActiveWindow(); }));
+    }
+    EXPECT_EQ(clicked.count(), 0);
+    EXPECT_EQ(asked, 1);
+    EXPECT_FALSE(outer->close());
+    EXPECT_TRUE(shell.window.close());
+    shell.window.show();
+    Then(Close);
+    QTest::keyClick(box, Qt::Key_Return);
+  });
+  EXPECT_EQ(Run(dialog), toolkit::kCancel);
+  QTest::mouseClick(behind, Qt::LeftButton);
+  EXPECT_EQ(clicked.count(), 1);
 }
 
 TEST_F(Windows, BoxesAnswerInGerman) {

@@ -249,15 +249,20 @@ TEST_F(Window, OfASecondUserOnlyShows) {
 TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
   int closed = 0;
   QObject::connect(&window_, &korvo::MainWindow::Closed, [&] { ++closed; });
-  QTimer::singleShot(100, [&] {
-    EXPECT_TRUE(Find<QWidget>("end_pick")->isVisible());
-    EXPECT_GE(window_.points().FindColumn("NE_WEPO"), 0);
-    window_.close();
-    EXPECT_TRUE(window_.isVisible()) << "not before the plug-in has ended";
-  });
-  Find<QAction>("command_6")->trigger();
-  EXPECT_FALSE(waits_.plugin_runs());
-  EXPECT_EQ(closed, 1);
+  for (const int command : {6, 2, 4, 8, 10}) {
+    window_.show();
+    QTimer::singleShot(100, [&] {
+      EXPECT_EQ(Find<QWidget>("end_pick")->isVisible(), command == 6);
+      EXPECT_EQ(front_end_.front() != nullptr, command != 6);
+      EXPECT_GE(window_.points().FindColumn("NE_WEPO"), 0);
+      window_.close();
+      EXPECT_TRUE(window_.isVisible()) << "not before the plug-in has ended";
+    });
+    Find<QAction>(("command_" + std::to_string(command)).c_str())->trigger();
+    EXPECT_FALSE(waits_.plugin_runs());
+    EXPECT_FALSE(window_.isVisible());
+  }
+  EXPECT_EQ(closed, 5);
 }
 
 TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {

@@ -74,9 +74,9 @@ constexpr qsizetype kNamed = 20;
 
 class Pilot {
  public:
-  Pilot(korvo::Terminal& terminal, korvo::MainWindow& main, korvo::Waits& waits, const platform::Clock& clock,
-        const std::string& pictures)
-      : terminal_(terminal), main_(main), waits_(waits), clock_(clock), pictures_(pictures) {}
+  Pilot(korvo::Terminal& terminal, korvo::MainWindow& main, korvo::Waits& waits, const korvo::DesktopFrontEnd& desktop,
+        const platform::Clock& clock, const std::string& pictures)
+      : terminal_(terminal), main_(main), waits_(waits), desktop_(desktop), clock_(clock), pictures_(pictures) {}
 
   void Fly() {
     while (const auto command = terminal_.Ask("Korvo> ", korvo::Terminal::AtEnd::kGoOn)) {
@@ -113,7 +113,7 @@ class Pilot {
   void Step() {
     // What a step does may open a loop of its own, in which the next one has to come.
     Soon();
-    QWidget* const top = QApplication::activeModalWidget();
+    QWidget* const top = desktop_.front();
     if (auto* window = dynamic_cast<korvo::DialogWindow*>(top)) return InDialog(*window);
     if (auto* box = qobject_cast<QMessageBox*>(top)) return InBox(*box);
     if (auto* picker = qobject_cast<QFileDialog*>(top)) return InPicker(*picker);
@@ -210,6 +210,7 @@ class Pilot {
   korvo::Terminal& terminal_;
   korvo::MainWindow& main_;
   korvo::Waits& waits_;
+  const korvo::DesktopFrontEnd& desktop_;
   const platform::Clock& clock_;
   Pictures pictures_;
   std::vector<std::unique_ptr<Session>> sessions_;
@@ -246,7 +247,7 @@ int main(int count, char** arguments) {
     main.show();
     main.Open(QString::fromLocal8Bit(arguments[count - 1]));
     if (korvo::ProjectFolder().empty()) return korvo::kExitNotStarted;
-    Pilot(terminal, main, waits, *clock, options["--pictures"]).Fly();
+    Pilot(terminal, main, waits, front_end, *clock, options["--pictures"]).Fly();
   }
   korvo::CloseProject();
   korvo::SetFrontEnd(nullptr);
