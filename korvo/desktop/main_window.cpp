@@ -116,7 +116,7 @@ void MainWindow::BuildCentre() {
   });
   edge_.Connect(table_, &PointTableView::Chosen, this, [this](int point) {
     if (picking_) return PickPoint(point);
-    map_->CentreOn(point);
+    GoTo(point);
   });
 }
 
@@ -268,22 +268,15 @@ NasWindow* MainWindow::OpenNas(const QString& path) {
   auto file = std::make_unique<NasFile>();
   QString why;
   QApplication::setOverrideCursor(Qt::WaitCursor);
-  bool read = false;
-  {
-    const auto shown_again = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
-    read = file->Read(path, &why);
-  }
-  if (!read) {
+  const auto done = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
+  if (!file->Read(path, &why)) {
     project_notice_->Show(QStringLiteral("Die Datei %1 kann nicht gelesen werden: %2").arg(path, why));
     return nullptr;
   }
   if (nas_ != nullptr) nas_->close();
   nas_ = new NasWindow(std::move(file), points_, edge_, this);
   NasWindow* shown = nas_;
-  edge_.Connect(shown, &NasWindow::PointChosen, this, [this](int point) {
-    Select({point});
-    map_->CentreOn(point);
-  });
+  edge_.Connect(shown, &NasWindow::PointChosen, this, [this](int point) { GoTo(point); });
   edge_.Connect(shown, &QDialog::finished, this, [this, shown] {
     if (nas_ == shown) map_->SetMarked({});
   });
@@ -439,6 +432,10 @@ void MainWindow::Find(const QString& number) {
     return ShowMessage(QStringLiteral("Die Tabelle hat keinen Punkt %1.").arg(number));
   }
   if (picking_) return PickPoint(point);
+  GoTo(point);
+}
+
+void MainWindow::GoTo(int point) {
   Select({point});
   map_->CentreOn(point);
   if (!points_.HasPlace(point)) ShowMessage(QStringLiteral("Der Punkt hat keine Koordinaten."));

@@ -80,6 +80,7 @@ class MainWindow : public QMainWindow, public Shell {
   void SaveMap();
 
   void Find(const QString& number);
+  void GoTo(int point);
   void SetPicking(bool picking);
   void PickPoint(int point);
   void StopPicking();

@@ -22,7 +22,7 @@ QString FolderKey() { return QStringLiteral("ordner/letzter"); }
 QString SizeKey() { return QStringLiteral("ordner/groesse"); }
 
 QString FirstFolder() {
-  const QString last = Remembered().value(FolderKey()).toString();
+  QString last = Remembered().value(FolderKey()).toString();
   if (!last.isEmpty() && QDir(last).exists()) return last;
   return QString::fromStdString(path::ToDisk(ProjectFolder()));
 }
@@ -75,7 +75,7 @@ Picker::~Picker() { KeepSize(*this, SizeKey()); }
 
 QString Picker::Ask() {
   if (exec() != Accepted) return {};
-  const QString picked = selectedFiles().value(0);
+  QString picked = selectedFiles().value(0);
   Remember(picked);
   return picked;
 }
