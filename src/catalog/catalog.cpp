@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "base/bounded.h"
 #include "base/text.h"
@@ -55,7 +56,7 @@ class NamedList {
 
 struct Catalog {
   NamedList<CatalogTable> tables;
-  std::deque<CatalogEntry> entries;
+  std::vector<std::vector<CatalogEntry>> entries;  // those of a table together
   NamedList<CatalogPunktort> places;
   // In the file's order, the last few alone: a row of `object_types` each.
   std::deque<CatalogObject> objects;
@@ -72,12 +73,15 @@ void AddTable(const CTreeNode& section, std::string_view name) {
   CatalogTable* table = in_force->tables.Add(name);
   const CTreeNode* values = section.FindKey("==FREEDATA");
   if (values == nullptr) return;
-  for (const CTreeNode* node = values->GetFirstChild(); node != nullptr; node = node->GetNextSibling()) {
-    CatalogEntry& entry = in_force->entries.emplace_back();
+  std::size_t count = 0;
+  for (const CTreeNode* node = values->GetFirstChild(); node != nullptr; node = node->GetNextSibling()) ++count;
+  const CTreeNode* node = values->GetFirstChild();
+  for (CatalogEntry& entry : in_force->entries.emplace_back(count)) {
     entry.code = ReadNumber(node->GetName());
     CopyCut(entry.text, node->GetValue());
     entry.next = table->entries;
     table->entries = &entry;
+    node = node->GetNextSibling();
   }
 }
 
