@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 #include "base/text.h"
 #include "platform/system.h"
@@ -34,12 +35,32 @@ std::uint32_t LittleEndian(const char* bytes, int size) {
 
 bool IsPadding(char c) { return c == ' ' || c == '\0'; }
 
+/// The value of digits with at most one point among them; nothing for any other text, and for more digits than a double
+/// holds exactly: up to there the quotient of the two exact numbers is the nearest one.
+std::optional<double> ParseDigits(std::string_view text) {
+  constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  std::int64_t digits = 0;
+  std::size_t point = text.size();
+  if (text.size() >= std::size(kPowers)) return std::nullopt;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] >= '0' && text[i] <= '9') {
+      digits = digits * 10 + (text[i] - '0');
+    } else if (text[i] == '.' && point == text.size() && text.size() > 1) {
+      point = i;
+    } else {
+      return std::nullopt;
+    }
+  }
+  return static_cast<double>(digits) / kPowers[point == text.size() ? 0 : text.size() - point - 1];
+}
+
 }  // namespace
 
 double ParseNumber(std::string_view text) {
   while (!text.empty() && IsPadding(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsPadding(text.back())) text.remove_suffix(1);
   if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
+  if (const std::optional<double> value = ParseDigits(text)) return *value;
   double value = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value);

@@ -11,10 +11,9 @@ namespace korvo {
 namespace {
 
 std::string_view TrimRight(std::string_view text) {
-  const std::size_t end = text.find_first_of('\0');
-  text = text.substr(0, end);
-  const std::size_t last = text.find_last_not_of(' ');
-  return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+  text = text.substr(0, text.find('\0'));
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
 }
 
 std::string_view TrimLeft(std::string_view text) {

@@ -11,12 +11,7 @@ namespace {
 
 constexpr std::size_t kPieceLimit = 1998;  // bytes of a line that are taken at once, the LF included
 constexpr std::size_t kBuffer = 1 << 18;
-constexpr std::size_t kFirstRead = 1 << 13;
-
-bool Holds(std::string_view text, std::span<const Needle> needles) {
-  return std::any_of(needles.begin(), needles.end(),
-                     [&](const Needle& needle) { return text.find(needle.text) != std::string_view::npos; });
-}
+constexpr std::size_t kFirstRead = 1 << 12;
 
 bool Begins(std::string_view text, std::span<const Needle> needles) {
   return std::any_of(needles.begin(), needles.end(),
@@ -29,6 +24,9 @@ std::size_t FindSlowly(std::string_view text, std::span<const Needle> needles, s
   for (const Needle& needle : needles) found = std::min(found, text.find(needle.text, at));
   return found;
 }
+
+// All bits, as the machine's own comparisons give it.
+constexpr unsigned char Mask(bool is) { return static_cast<unsigned char>(-static_cast<int>(is)); }
 
 // The same, by blocks: two bytes of each needle are looked at for all places of a block at once, in a loop without
 // branches that the compiler turns into vector instructions.
@@ -48,25 +46,21 @@ std::size_t FindFirst(std::string_view text, std::span<const Needle> needles) {
   }
   std::size_t at = 0;
   for (; at + kBlock + longest <= text.size(); at += kBlock) {
-    unsigned char any = 0;
+    std::array<unsigned char, kBlock> hits{};
     for (std::size_t n = 0; n < kCount; ++n) {
       const char* const a = first[n] + at;
       const char* const b = second[n] + at;
       for (std::size_t i = 0; i < kBlock; ++i)
-        any = static_cast<unsigned char>(any | ((a[i] == first_byte[n]) & (b[i] == second_byte[n])));
+        hits[i] = static_cast<unsigned char>(hits[i] | (Mask(a[i] == first_byte[n]) & Mask(b[i] == second_byte[n])));
     }
+    const auto parts = std::bit_cast<std::array<std::uint64_t, kBlock / kPart>>(hits);
+    std::uint64_t any = 0;
+    for (const std::uint64_t part : parts) any |= part;
     if (any == 0) continue;
-    for (std::size_t part = at; part < at + kBlock; part += kPart) {
-      std::array<unsigned char, kPart> hits{};
-      for (std::size_t n = 0; n < kCount; ++n) {
-        const char* const a = first[n] + part;
-        const char* const b = second[n] + part;
-        for (std::size_t i = 0; i < kPart; ++i)
-          hits[i] = static_cast<unsigned char>(hits[i] | ((a[i] == first_byte[n]) & (b[i] == second_byte[n])));
-      }
-      if (std::bit_cast<std::uint64_t>(hits) == 0) continue;
-      for (std::size_t i = part; i < part + kPart; ++i) {
-        if (hits[i - part] != 0 && Begins(text.substr(i), needles)) return i;
+    for (std::size_t part = 0; part < parts.size(); ++part) {
+      if (parts[part] == 0) continue;
+      for (std::size_t i = part * kPart; i < (part + 1) * kPart; ++i) {
+        if (hits[i] != 0 && Begins(text.substr(at + i), needles)) return at + i;
       }
     }
   }
@@ -136,12 +130,19 @@ void LineScan::Fill() {
 
 // The piece at the beginning of what is in the buffer.
 void LineScan::Take(LinePiece* piece) {
+  const auto find_end = [this] {
+    const std::size_t window = std::min(end_ - begin_, kPieceLimit + 1);
+    return static_cast<const char*>(std::memchr(buffer_.data() + begin_, '\n', window));
+  };
+  const char* line_end = find_end();
   // CR and LF behind a full piece decide whether it is one.
-  if (end_ - begin_ < kPieceLimit + 2) Fill();
-  const char* start = buffer_.data() + begin_;
-  const std::size_t window = std::min(end_ - begin_, kPieceLimit + 1);
-  const auto* line_end = static_cast<const char*>(std::memchr(start, '\n', window));
-  std::size_t length = line_end != nullptr ? static_cast<std::size_t>(line_end - start) : window;
+  if (line_end == nullptr && end_ - begin_ < kPieceLimit + 2) {
+    Fill();
+    line_end = find_end();
+  }
+  const char* const start = buffer_.data() + begin_;
+  std::size_t length =
+      line_end != nullptr ? static_cast<std::size_t>(line_end - start) : std::min(end_ - begin_, kPieceLimit + 1);
   std::size_t used = length;
   bool ends_line = line_end != nullptr;
   if (ends_line) {
@@ -172,20 +173,24 @@ void LineScan::SkipTo(std::size_t limit) {
   if (limit > begin_) begin_ += (limit - begin_ - 1) / kPieceLimit * kPieceLimit;
 }
 
-bool LineScan::Find(std::span<const Needle> needles, LinePiece* piece) {
+std::optional<std::size_t> LineScan::Find(std::span<const Needle> needles, LinePiece* piece) {
   std::size_t longest = 0;
   for (const Needle& needle : needles) longest = std::max(longest, needle.text.size());
   for (;;) {
     const std::size_t at = begin_ + FindFirst({buffer_.data() + begin_, end_ - begin_}, needles);
     if (at < end_) {
       SkipTo(at + 1);
+      const std::size_t in_piece = at - begin_;
       Take(piece);
-      if (Holds(piece->text, needles)) return true;
+      if (in_piece < piece->text.size() && Begins(piece->text.substr(in_piece), needles)) return in_piece;
+      // The piece ends in the needle or in front of it.
+      const std::size_t whole = FindSlowly(piece->text, needles, 0);
+      if (whole < piece->text.size()) return whole;
       continue;
     }
     if (at_end_) {
       begin_ = end_;
-      return false;
+      return std::nullopt;
     }
     // A needle that has begun may go on in what is read next.
     if (end_ - begin_ > longest) SkipTo(end_ - longest);

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -44,8 +45,9 @@ class LineScan {
   void SeekLine(std::uint64_t offset);
   /// False at the end of the file.
   bool Next(LinePiece* piece);
-  /// The next piece that holds one of the needles (three at most) whole; false where there is none.
-  bool Find(std::span<const Needle> needles, LinePiece* piece);
+  /// The next piece that holds one of the needles (three at most) whole, and the first place in it where one begins;
+  /// nothing where there is none.
+  std::optional<std::size_t> Find(std::span<const Needle> needles, LinePiece* piece);
 
  private:
   void Fill();

@@ -22,6 +22,7 @@ namespace pktaus {
 namespace {
 
 constexpr std::string_view kEnd = "</wfs:member>";
+constexpr int kGrenzpunkt = 3;
 
 std::string PartOf(const std::string& id) { return "<istTeilVon xlink:href=\"urn:adv:oid:" + id + "\"/>"; }
 bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
@@ -146,7 +147,7 @@ bool SearchPlainly(const std::vector<std::string>& lines, const std::string& id,
     *field = std::atoi(text.c_str());
   record->bza = record->art = record->vtw = -1;
   record->lzv = lzv == "none" ? -2 : lzv == "true" ? -1 : 0;
-  record->oa = FindObjectTypeRow(*Element(lines[object]));
+  record->oa = *Element(lines[object]) == "AX_Grenzpunkt" ? kGrenzpunkt : -1;
   for (const auto& [kind, po] : {std::pair{"PunktortTA", 1}, {"PunktortAU", 2}, {"PunktortAG", 3}}) {
     if (Holds(*Element(lines[position]), kind)) record->po = po;
   }
@@ -193,13 +194,15 @@ std::string RandomFile(unsigned seed) {
     open = line == end ? false : open || Holds(line, "<AX_");
     // The line's end comes to lie about a cut, or about the end of what is read at once.
     if (below(odd * 2) == 0) file.append(1998 * (1 + below(2)) - below(line.size() + 3), ' ');
-    if (below(odd * 5) == 0) file.append((1 << 13) - (file.size() + below(60)) % (1 << 13), ' ');
+    if (below(odd * 5) == 0) file.append((1 << 12) - (file.size() + below(60)) % (1 << 12), ' ');
     file += line + (below(odd) == 0 ? one_of({"", "\r", "\n"}) : line_end);
   }
   return file;
 }
 
 TEST(OriginalFile, FindsWhatAPlainSearchFinds) {
+  for (auto& row : object_types) put(row, "none");
+  put(object_types[kGrenzpunkt], "Grenzpunkt");
   const support::TempFolder folder;
   const std::string path = folder.File("o.xml");
   OriginalFile original(path);
@@ -248,6 +251,17 @@ TEST(OriginalFile, SeesAnotherObjectAcrossTheCutOfALine) {
     };
     EXPECT_NE(search(start + "\n</wfs:member>\n" + other), nullptr);
     EXPECT_EQ(search(start + "\n" + other), nullptr) << shift;
+  }
+}
+
+TEST(OriginalFile, KeepsALineWholeThatEndsWhereAReadEnds) {
+  const support::TempFolder folder;
+  const std::string owner = "<AX_Grenzpunkt gml:id=\"A\">\r\n</wfs:member>\r\n", start = "<AX_PunktortTA gml:id=\"P\">";
+  for (std::size_t before = 4096 - 2005; before <= 4096 - 1990; ++before) {
+    const std::string file = owner + std::string(before - owner.size() - 1, ' ') + "\n" +
+                             std::string(1997 - start.size(), ' ') + start + "\r\n" + PartOf("A") +
+                             "\r\n</wfs:member>\r\n";
+    EXPECT_NE(SearchOriginalFile(folder.Write("o.xml", file), "P", nullptr), nullptr) << before;
   }
 }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -21,6 +23,9 @@ TEST(NumberText, IsReadWithoutTheLocaleAndNeverHalf) {
   }
   EXPECT_EQ(seen, "125 125 -20 70 10000 0 0 0 0 0 0 0 0 0 ");
   EXPECT_EQ(korvo::ParseNumber(std::string_view("\0\0 5\0", 5)), 5);
+  for (const char* text : {"0.3", ".3", "3.", ".", "1.2.3", "5651001.123", "0000000000.0007", "0.1234567890123",
+                           "99999999999.999", "123456789012345", "9007199254740993", "0.30000000000000004"})
+    EXPECT_EQ(korvo::ParseNumber(text), std::strcmp(text, "1.2.3") == 0 ? 0 : std::strtod(text, nullptr)) << text;
 }
 
 TEST(NumberText, FitsItsColumnOrIsRefused) {
