@@ -66,13 +66,13 @@ class EditView : public ControlView {
       edit_->setPalette(palette);
     }
     QObject::connect(edit_, &QLineEdit::textEdited, edit_, [send, id = field.id()](const QString& text) {
-      send(toolkit::Typed{id, ToAnsi(text)});
+      send(toolkit::Typed{id, FromEdited(text)});
     });
   }
 
  protected:
   void ShowContents() override {
-    const QString text = FromAnsi(field_.text);
+    const QString text = AsEdited(field_.text);
     if (text == edit_->text()) return;
     const int cursor = edit_->cursorPosition();
     edit_->setText(text);
@@ -102,7 +102,8 @@ class LineView : public ControlView {
 
  protected:
   void ShowContents() override {
-    QString text = AsLine(field_.text);
+    QString text = AsRunningText(field_.text);
+    line_->setToolTip(AsTip(text));
     if (text.size() > kLongestLine) text = text.left(kLongestLine) + QChar(u'…');
     if (text != line_->text()) line_->setText(text);
   }
@@ -410,6 +411,7 @@ class ChoiceView : public ControlView {
   void ShowContents() override {
     model_->Refresh();
     box_->setCurrentIndex(list_.selected());
+    box_->setToolTip(AsTip(box_->currentText()));
   }
 
  private:

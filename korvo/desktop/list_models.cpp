@@ -4,6 +4,16 @@
 
 namespace korvo {
 
+namespace {
+
+QVariant ShownLabel(const std::string& label, int role) {
+  if (role == Qt::DisplayRole) return AsLine(label);
+  if (role == Qt::ToolTipRole) return AsTip(AsLine(label));
+  return {};
+}
+
+}  // namespace
+
 void EntryModel::Refresh() {
   if (shown_ == list_.revision()) return;
   beginResetModel();
@@ -17,8 +27,8 @@ int EntryModel::rowCount(const QModelIndex& parent) const {
 
 QVariant EntryModel::data(const QModelIndex& index, int role) const {
   const auto row = static_cast<std::size_t>(index.row());
-  if (role != Qt::DisplayRole || row >= list_.entries().size()) return {};
-  return AsLine(list_.entries()[row].label);
+  if (row >= list_.entries().size()) return {};
+  return ShownLabel(list_.entries()[row].label, role);
 }
 
 void RowModel::Refresh() {
@@ -40,9 +50,8 @@ int RowModel::rowCount(const QModelIndex& parent) const {
 QVariant RowModel::data(const QModelIndex& index, int role) const {
   const auto row = static_cast<std::size_t>(index.row());
   if (row >= list_.rows().size()) return {};
-  if (role == Qt::DisplayRole) return AsLine(list_.rows()[row].label);
   if (role == Qt::CheckStateRole) return list_.rows()[row].ticked ? Qt::Checked : Qt::Unchecked;
-  return {};
+  return ShownLabel(list_.rows()[row].label, role);
 }
 
 bool RowModel::setData(const QModelIndex& index, const QVariant& value, int role) {

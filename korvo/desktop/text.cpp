@@ -5,6 +5,18 @@
 
 namespace korvo {
 
+namespace {
+
+/// Pictures of the control characters begin here, in their order; that of DEL stands by itself.
+constexpr char16_t kPictures = 0x2400;
+constexpr char16_t kDelete = 0x7F;
+constexpr char16_t kDeletePicture = 0x2421;
+
+constexpr qsizetype kShortText = 40;
+constexpr qsizetype kTipWidth = 120;
+
+}  // namespace
+
 QString FromAnsi(std::string_view ansi) {
   QString text(static_cast<qsizetype>(ansi.size()), Qt::Uninitialized);
   for (std::size_t i = 0; i < ansi.size(); ++i) {
@@ -25,6 +37,24 @@ std::string ToAnsi(const QString& text) {
   return ansi;
 }
 
+QString AsEdited(std::string_view ansi) {
+  QString text = FromAnsi(ansi);
+  for (QChar& c : text) {
+    if (c < QChar(u' ')) c = QChar(kPictures + c.unicode());
+    if (c == QChar(kDelete)) c = QChar(kDeletePicture);
+  }
+  return text;
+}
+
+std::string FromEdited(QString text) {
+  text.removeIf([](QChar c) { return c == QChar(u'\r') || c == QChar(u'\n'); });
+  for (QChar& c : text) {
+    if (c >= QChar(kPictures) && c < QChar(kPictures + u' ')) c = QChar(c.unicode() - kPictures);
+    if (c == QChar(kDeletePicture)) c = QChar(kDelete);
+  }
+  return ToAnsi(text);
+}
+
 QString AsLine(std::string_view ansi) { return QString::fromStdString(OneLine(ansi)); }
 
 QString AsLines(std::string_view ansi) {
@@ -32,6 +62,16 @@ QString AsLines(std::string_view ansi) {
   for (const std::string& line : Lines(ansi)) lines += AsLine(line) + QChar(u'\n');
   lines.chop(1);
   return lines;
+}
+
+QString AsRunningText(std::string_view ansi) { return AsLines(ansi).replace(QChar(u'\n'), QChar(u' ')); }
+
+QString AsTip(const QString& text) {
+  if (text.size() <= kShortText) return {};
+  QString lines;
+  for (qsizetype at = 0; at < text.size(); at += kTipWidth) lines += text.mid(at, kTipWidth) + QChar(u'\n');
+  lines.chop(1);
+  return QStringLiteral("<p style='white-space:pre'>%1</p>").arg(lines.toHtmlEscaped());
 }
 
 QString AsCaption(std::string_view ansi) { return AsLine(ansi).replace(QChar(u'&'), QStringLiteral("&&")); }

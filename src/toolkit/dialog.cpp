@@ -1,7 +1,9 @@
 #include "toolkit/dialog.h"
 
+#include <algorithm>
 #include <chrono>
 #include <type_traits>
+#include <utility>
 
 #include "platform/fault.h"
 #include "platform/system.h"
@@ -50,7 +52,12 @@ bool IsDay(const platform::CivilTime& day) {
 
 Answer Change(TextField& field, const Typed& event) {
   if (field.form != TextField::Form::kEdit) return Answer::kReadOnly;
-  field.text = event.text.substr(0, event.text.find_first_of(std::string_view("\r\n\0", 3)));
+  // Nobody types a line break, but one may stand in the text that is edited.
+  constexpr std::string_view kBreaks = "\r\n";
+  const bool is_broken = field.text.find_first_of(kBreaks) != std::string::npos;
+  std::string text = event.text.substr(0, event.text.find('\0'));
+  if (!is_broken) text.resize(std::min(text.find_first_of(kBreaks), text.size()));
+  field.text = std::move(text);
   return Answer::kTaken;
 }
 

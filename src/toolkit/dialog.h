@@ -79,7 +79,7 @@ class Dialog {
 
   /// Refuses an event for a control that is missing, not shown, disabled or read-only, or for an entry or a day that is
   /// not there; otherwise changes the control and runs the dialog's rule. A control that refuses keeps what it holds. A
-  /// field of one line takes what was typed up to the first line break.
+  /// field of one line takes what was typed up to the first line break, unless its text has line breaks already.
   /// Never lets an exception or a machine fault through: it ends the dialog and keeps the failure for Rethrow, so that
   /// nothing is thrown through a front end's event loop. The press of an option counts as its choice.
   virtual Answer Handle(const Event& event);

@@ -54,6 +54,9 @@ TEST(Text, GoesToTheScreenAndBack) {
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   EXPECT_EQ(korvo::ToAnsi(korvo::FromAnsi(all)), all);
+  EXPECT_EQ(korvo::FromEdited(korvo::AsEdited(all)), all);
+  EXPECT_EQ(korvo::AsEdited("1\r\n\x7f"), QStringLiteral("1␍␊␡"));
+  EXPECT_EQ(korvo::FromEdited(QStringLiteral("4711\r\n")), "4711") << "a cell from the clipboard";
   EXPECT_EQ(korvo::FromAnsi("\x80"), QStringLiteral("€"));
   EXPECT_EQ(korvo::ToAnsi(QStringLiteral("a\u0142\U0001F600b")), "a??b");
   EXPECT_EQ(korvo::AsLines("1\r\r\n2\n\r3\r\n4\n\n5\tx\x1b"), QStringLiteral("1\n2\n3\n4\n\n5    x␛"));
@@ -72,6 +75,7 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
   toolkit::TextField off(9006, "Gesperrt:");
   toolkit::Button ok(toolkit::kOk, "OK");
   toolkit::Button cancel(toolkit::kCancel, "Abbruch");
+  edit.text = "1\r\r\n2";
   line.text = "<b>10 & 20</b>\n\r" + std::string(10000, 'x');
   lines.text = "<b>eins</b>\r\r\nzwei";
   off.enabled = false;
@@ -88,17 +92,21 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
     EXPECT_EQ(window->focusWidget(), field);
     EXPECT_LT(window->height(), 800);
     EXPECT_EQ(pilot::Find<QLabel>(*window, 9002)->textFormat(), Qt::PlainText);
-    EXPECT_TRUE(pilot::Find<QLabel>(*window, 9002)->text().startsWith(QStringLiteral("<b>10 & 20</b>␊␍x")));
+    EXPECT_TRUE(pilot::Find<QLabel>(*window, 9002)->text().startsWith(QStringLiteral("<b>10 & 20</b> x")));
+    const QString tip = pilot::Find<QLabel>(*window, 9002)->toolTip();
+    EXPECT_EQ(tip.count(QChar(u'x')), 10000);
+    EXPECT_TRUE(tip.contains(QStringLiteral(">&lt;b&gt;10 &amp; 20&lt;/b&gt; x")));
     EXPECT_EQ(pilot::Find<QPlainTextEdit>(*window, 9003)->toPlainText(), QStringLiteral("<b>eins</b>\nzwei"));
     // Both begin with the same letter; only one of them can have it.
     QTest::keyClick(window, Qt::Key_S, Qt::AltModifier);
     QTest::keyClick(window, Qt::Key_M, Qt::AltModifier);
     QTest::qWait(200);  // the button shows for a moment that it is pressed
     EXPECT_EQ(pressed, std::vector<toolkit::ControlId>{9004});
+    QTest::keyClick(field, Qt::Key_Home);
     QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ä"), {});
     QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ł"), {});
-    EXPECT_EQ(edit.text, "ä?"_ansi);
-    EXPECT_EQ(field->text(), QStringLiteral("ä?"));
+    EXPECT_EQ(edit.text, "ä?1\r\r\n2"_ansi);
+    EXPECT_EQ(field->text(), QStringLiteral("ä?1␍␍␊2"));
     std::string order;
     for (QWidget* at = field; order.size() < 30; at = QApplication::focusWidget()) {
       order += at->objectName().toStdString() + " ";

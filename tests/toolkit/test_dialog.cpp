@@ -110,6 +110,11 @@ TEST(Dialog, AnswersEachEventAndRunsTheRuleOnlyForWhatItTook) {
          << s.rows.selected << " " << s.pages.current;
     EXPECT_EQ(held.str(), c.held);
   }
+  Sample s;
+  s.Handle(Opened{});
+  s.edit.text = "a\r\r\nb";
+  s.Handle(Typed{10, std::string("a\r\r\nbc\0d", 8)});
+  EXPECT_EQ(s.edit.text, "a\r\r\nbc") << "what stood in the field already is not lost";
 }
 
 TEST(Dialog, TakesNothingWhileBusyAndOfTwoControlsWithOneNumberTheOneInSight) {
