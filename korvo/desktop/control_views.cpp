@@ -4,6 +4,7 @@
 #include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -34,6 +35,9 @@ constexpr qsizetype kLongestLine = 500;
 constexpr int kShortestChoice = 16;
 constexpr int kShortestEdit = 16;
 constexpr int kVisibleRows = 12;
+constexpr int kFewestLines = 4;
+constexpr int kFewestRows = 8;
+constexpr int kMostLines = 20;  ///< that a window opens with
 constexpr QRgb kFaultBase = 0xFFFFE5E5;
 constexpr QRgb kFaultText = 0xFF9C0006;
 
@@ -50,6 +54,32 @@ class Calm : public Widget {
     if (this->hasFocus()) return Widget::wheelEvent(event);
     event->ignore();
   }
+};
+
+/// A text or list that opens with room for what it holds, within bounds.
+template <class Area>
+class Roomy : public Area {
+ public:
+  using Area::Area;
+
+  void SetRoom(int lines, int fewest, int line_height) {
+    const int around = 2 * this->frameWidth() + kAround;
+    hint_ = std::clamp(lines, fewest, kMostLines) * line_height + around;
+    this->setMinimumHeight(fewest * line_height + around);
+    this->updateGeometry();
+  }
+  QSize sizeHint() const override { return {Area::sizeHint().width(), hint_}; }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override {
+    Area::resizeEvent(event);
+    // The toolkit has decided on its bars before it laid the text out anew.
+    QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
+  }
+
+ private:
+  static constexpr int kAround = 16;  ///< more than a document's margins
+  int hint_ = 0;
 };
 
 class EditView : public ControlView {
@@ -116,12 +146,13 @@ class LineView : public ControlView {
 class LinesView : public ControlView {
  public:
   LinesView(const toolkit::TextField& field, QWidget* parent)
-      : ControlView(field), field_(field), lines_(new QPlainTextEdit(parent)) {
+      : ControlView(field), field_(field), lines_(new Roomy<QPlainTextEdit>(parent)) {
     SetWidget(lines_);
     AddLabel(parent);
     lines_->setReadOnly(true);
     lines_->setTabChangesFocus(true);
-    lines_->setMinimumHeight(lines_->fontMetrics().lineSpacing() * 4);
+    // Long lines are wrapped; before the first layout the toolkit would put a bar there for good.
+    lines_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   }
   int Growth() const override { return 2; }
 
@@ -129,13 +160,14 @@ class LinesView : public ControlView {
   void ShowContents() override {
     if (shown_ == field_.text) return;
     shown_ = field_.text;
-    lines_->setPlainText(AsLines(shown_));
+    lines_->setPlainText(AsLines(field_.text));
+    lines_->SetRoom(lines_->blockCount(), kFewestLines, lines_->fontMetrics().lineSpacing());
   }
 
  private:
   const toolkit::TextField& field_;
-  QPlainTextEdit* lines_;
-  std::string shown_;
+  Roomy<QPlainTextEdit>* lines_;
+  std::optional<std::string> shown_;
 };
 
 class ButtonView : public ControlView {
@@ -423,7 +455,7 @@ class ChoiceView : public ControlView {
 class TickListView : public ControlView {
  public:
   TickListView(const toolkit::TickList& list, QWidget* parent, const Send& send)
-      : ControlView(list), list_(list), view_(new QListView(parent)) {
+      : ControlView(list), list_(list), view_(new Roomy<QListView>(parent)) {
     SetWidget(view_);
     AddLabel(parent);
     model_ = new RowModel(list, view_, [send, id = list.id()](int row, bool on) {
@@ -432,8 +464,7 @@ class TickListView : public ControlView {
     view_->setUniformItemSizes(true);
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view_->setModel(model_);
-    view_->setSpacing(1);
-    view_->setMinimumHeight(view_->fontMetrics().height() * (kVisibleRows / 2));
+    view_->setSpacing(kRowSpacing);
     QObject::connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, view_,
                      [this, send, id = list.id()] {
                        send(toolkit::RowSelected{id, SelectedRow()});
@@ -444,6 +475,8 @@ class TickListView : public ControlView {
  protected:
   void ShowContents() override {
     model_->Refresh();
+    const int row_height = std::max(view_->sizeHintForRow(0), view_->fontMetrics().lineSpacing()) + 2 * kRowSpacing;
+    view_->SetRoom(model_->rowCount({}), kFewestRows, row_height);
     if (SelectedRow() == list_.selected) return;
     const QModelIndex row = model_->index(list_.selected, 0, {});
     view_->selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect);
@@ -455,8 +488,10 @@ class TickListView : public ControlView {
     return rows.isEmpty() ? -1 : rows.front().row();
   }
 
+  static constexpr int kRowSpacing = 1;
+
   const toolkit::TickList& list_;
-  QListView* view_;
+  Roomy<QListView>* view_;
   RowModel* model_;
 };
 

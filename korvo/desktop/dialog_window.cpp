@@ -3,7 +3,10 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <variant>
@@ -22,6 +25,7 @@ namespace {
 constexpr int kColumns = 4;
 /// Wide enough for most of the long names that catalogues have.
 constexpr int kUsualWidth = 680;
+constexpr double kPartOfScreen = 0.9;
 
 bool IsButton(const ControlView& view) { return view.control().kind() == Kind::kButton; }
 
@@ -92,13 +96,19 @@ DialogWindow::DialogWindow(toolkit::Dialog& dialog, Waits& waits, QWidget* paren
   ShowControls();
   SetTabOrder();
   FocusFirst();
-  adjustSize();
-  resize(size().expandedTo({kUsualWidth, 0}));
+  const QSize screen_size = screen()->availableSize() * kPartOfScreen;
+  const int width = std::min(std::max(sizeHint().width(), kUsualWidth), screen_size.width());
+  const int height = column->hasHeightForWidth() ? column->totalHeightForWidth(width) : sizeHint().height();
+  resize(width, std::min(height, screen_size.height()));
   const QSize remembered = Remembered().value(SizeKey()).toSize();
   if (remembered.isValid()) resize(remembered.expandedTo(minimumSizeHint()));
+  given_size_ = size();
 }
 
-DialogWindow::~DialogWindow() { Remembered().setValue(SizeKey(), size()); }
+DialogWindow::~DialogWindow() {
+  // A size that nobody has chosen is found anew for what the next one holds.
+  if (size() != given_size_) Remembered().setValue(SizeKey(), size());
+}
 
 QString DialogWindow::SizeKey() const { return QStringLiteral("dialoge/%1/groesse").arg(dialog_.number()); }
 
@@ -151,6 +161,8 @@ void DialogWindow::LayOut(Area& area) {
     for (std::size_t n = 0; n < segments.size(); ++n) {
       const bool alone = segments.size() == 1;
       AddSegment(area.grid, row, static_cast<int>(n) * 2, alone ? kColumns : 2, segments[n]);
+      if (segments[n].size() != 2 || !IsButton(*segments[n].back())) continue;
+      own_buttons_[segments[n].front()->widget()] = static_cast<QPushButton*>(segments[n].back()->widget());
     }
     for (const ControlView* view : area.rows[i]) {
       area.grid->setRowStretch(row, std::max(area.grid->rowStretch(row), view->Growth()));
@@ -254,6 +266,19 @@ void DialogWindow::Send(const toolkit::Event& event) {
   waits_.InPlugin([&] { dialog_.Handle(event); });
   if (!dialog_.IsOpen()) return ended_();
   ShowControls();
+}
+
+void DialogWindow::keyPressEvent(QKeyEvent* event) {
+  auto* const edit = qobject_cast<QLineEdit*>(focusWidget());
+  const auto own = own_buttons_.find(edit);
+  const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  const bool can = own != own_buttons_.end() && own->second->isEnabled() && own->second->isVisible();
+  if (!is_enter || !can || !edit->isModified()) {
+    return QDialog::keyPressEvent(event);
+  }
+  // What has just been typed is for the field's own button; Enter once more is for the window.
+  edit->setModified(false);
+  own->second->click();
 }
 
 void DialogWindow::reject() { Send(toolkit::Closed{}); }

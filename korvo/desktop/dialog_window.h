@@ -14,6 +14,7 @@
 
 class QBoxLayout;
 class QGridLayout;
+class QPushButton;
 
 namespace korvo {
 
@@ -28,6 +29,9 @@ class DialogWindow : public QDialog {
   void ShowControls();
   /// Escape, and the window's own way out: whether the dialog ends is for its rule.
   void reject() override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   using Row = std::vector<ControlView*>;
@@ -57,8 +61,10 @@ class DialogWindow : public QDialog {
   Waits& waits_;
   std::function<void()> ended_;
   bool showing_ = false;
+  QSize given_size_;
   std::vector<std::unique_ptr<ControlView>> views_;  ///< in order of the controls
   ShortcutLetters letters_;
+  std::map<QWidget*, QPushButton*> own_buttons_;         ///< the one that alone stands beside a field
   std::map<std::pair<Place, std::string>, Area> areas_;  ///< by place and caption of the group
 };
 

@@ -8,17 +8,20 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTreeView>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "base/failure.h"
 #include "base/text.h"
 #include "entry/guard.h"
 #include "entry/host/host.h"
 #include "korvo/desktop/application.h"
+#include "korvo/desktop/settings.h"
 #include "korvo/desktop/text.h"
 #include "korvo/words/words.h"
 #include "tests/desktop/desktop_case.h"
@@ -134,6 +137,23 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
   Run(dialog);
 }
 
+TEST_F(Windows, OpenWithRoomForWhatTheyHold) {
+  korvo::Remembered().clear();
+  int height = 0;
+  for (const int count : {2, 15, 1000}) {
+    TextField lines(9001, "", TextField::Form::kReadOnlyLines);
+    for (int i = 0; i < count; ++i) lines.text += "Zeile\r\r\n";
+    PlayedDlg dialog({&lines});
+    Then([&](QWidget* window) {
+      EXPECT_GT(window->height(), std::exchange(height, window->height()));
+      EXPECT_LT(window->height(), 400);
+      EXPECT_EQ(pilot::Find<QPlainTextEdit>(*window, 9001)->verticalScrollBar()->isVisible(), count == 1000);
+      window->close();
+    });
+    Run(dialog);
+  }
+}
+
 TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
   TextField application(9001, "Antrag");
   toolkit::Pages pages(9002, {"Objekt", "Ort"});
@@ -146,6 +166,7 @@ TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
   for (toolkit::Control* control : std::initializer_list<toolkit::Control*>{&art, &other, &area})
     control->pages_id = 9002;
   area.page = 1;
+  other.beside = true;
   hidden.visible = false;
   PlayedDlg dialog({&application, &pages, &art, &other, &area, &action, &remove, &hidden});
   std::string pressed;
@@ -180,6 +201,10 @@ TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
       {Qt::Key_E, Qt::AltModifier, "9009", "0 2 9010 "},  // given back with the caption
       {Qt::Key_W, Qt::AltModifier, "9009", "0 2 9010 9010 "},
       {Qt::Key_A, Qt::AltModifier, "9001", "0 2 9010 9010 "},
+      {Qt::Key_R, Qt::AltModifier, "9003", "0 2 9010 9010 "},
+      {Qt::Key_X, {}, "9003", "0 2 9010 9010 "},
+      {Qt::Key_Return, {}, "9003", "0 2 9010 9010 9004 "},  // what was typed is for the button beside it
+      {Qt::Key_Return, {}, "9003", "0 2 9010 9010 9004 "},
   };
   Then([&](QWidget* window) {
     for (const auto& step : kSteps) {
