@@ -7,10 +7,30 @@ namespace korvo {
 
 namespace {
 
-/// Pictures of the control characters begin here, in their order; that of DEL stands by itself.
-constexpr char16_t kPictures = 0x2400;
-constexpr char16_t kDelete = 0x7F;
-constexpr char16_t kDeletePicture = 0x2421;
+/// A visible sign for a control character, another one for each and none that Windows-1252 has; others as they are.
+/// Fonts have the arrows, but hardly the pictures of the rest.
+constexpr char16_t SignOf(char16_t c) {
+  constexpr char16_t kPictures = 0x2400;
+  switch (c) {
+    case u'\t':
+      return u'→';
+    case u'\n':
+      return u'↵';
+    case u'\r':
+      return u'←';
+    case 0x7F:
+      return 0x2421;
+    default:
+      return c < u' ' ? kPictures + c : c;
+  }
+}
+
+constexpr char16_t WithSign(char16_t sign) {
+  for (char16_t c = 0; c < 0x80; ++c) {
+    if (SignOf(c) == sign) return c;
+  }
+  return sign;
+}
 
 constexpr qsizetype kShortText = 40;
 constexpr qsizetype kTipWidth = 120;
@@ -39,19 +59,13 @@ std::string ToAnsi(const QString& text) {
 
 QString AsEdited(std::string_view ansi) {
   QString text = FromAnsi(ansi);
-  for (QChar& c : text) {
-    if (c < QChar(u' ')) c = QChar(kPictures + c.unicode());
-    if (c == QChar(kDelete)) c = QChar(kDeletePicture);
-  }
+  for (QChar& c : text) c = QChar(SignOf(c.unicode()));
   return text;
 }
 
 std::string FromEdited(QString text) {
   text.removeIf([](QChar c) { return c == QChar(u'\r') || c == QChar(u'\n'); });
-  for (QChar& c : text) {
-    if (c >= QChar(kPictures) && c < QChar(kPictures + u' ')) c = QChar(c.unicode() - kPictures);
-    if (c == QChar(kDeletePicture)) c = QChar(kDelete);
-  }
+  for (QChar& c : text) c = QChar(WithSign(c.unicode()));
   return ToAnsi(text);
 }
 

@@ -58,7 +58,7 @@ TEST(Text, GoesToTheScreenAndBack) {
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   EXPECT_EQ(korvo::ToAnsi(korvo::FromAnsi(all)), all);
   EXPECT_EQ(korvo::FromEdited(korvo::AsEdited(all)), all);
-  EXPECT_EQ(korvo::AsEdited("1\r\n\x7f"), QStringLiteral("1␍␊␡"));
+  EXPECT_EQ(korvo::AsEdited("1\r\n\x7f"), QStringLiteral("1←↵␡"));
   EXPECT_EQ(korvo::FromEdited(QStringLiteral("4711\r\n")), "4711") << "a cell from the clipboard";
   EXPECT_EQ(korvo::FromAnsi("\x80"), QStringLiteral("€"));
   EXPECT_EQ(korvo::ToAnsi(QStringLiteral("a\u0142\U0001F600b")), "a??b");
@@ -109,7 +109,7 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
     QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ä"), {});
     QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QStringLiteral("ł"), {});
     EXPECT_EQ(edit.text, "ä?1\r\r\n2"_ansi);
-    EXPECT_EQ(field->text(), QStringLiteral("ä?1␍␍␊2"));
+    EXPECT_EQ(field->text(), QStringLiteral("ä?1←←↵2"));
     std::string order;
     for (QWidget* at = field; order.size() < 30; at = QApplication::focusWidget()) {
       order += at->objectName().toStdString() + " ";
