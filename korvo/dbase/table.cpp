@@ -234,13 +234,13 @@ bool Table::LoadCurrent() {
   return true;
 }
 
-std::string Table::Text(int column) {
-  if (!HasColumn(column)) return {};
-  const auto width = static_cast<std::size_t>(columns_[static_cast<std::size_t>(column)].width);
-  if (!LoadCurrent()) return std::string(width, ' ');
-  std::string text(Field(current_bytes_, column));
-  std::replace(text.begin(), text.end(), '\0', ' ');
-  return text;
+void Table::Text(int column, std::string* text) {
+  text->clear();
+  if (!HasColumn(column)) return;
+  if (!LoadCurrent())
+    return text->resize(static_cast<std::size_t>(columns_[static_cast<std::size_t>(column)].width), ' ');
+  *text = Field(current_bytes_, column);
+  std::replace(text->begin(), text->end(), '\0', ' ');
 }
 
 double Table::Number(int column) {

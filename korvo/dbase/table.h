@@ -64,7 +64,7 @@ class Table {
   /// The current record. It is fetched by the first operation that needs it.
   void Go(std::int32_t number);
   /// Full width, padded with blanks; empty for a column that is not there.
-  std::string Text(int column);
+  void Text(int column, std::string* text);
   double Number(int column);
   /// Padded or cut to the column's width.
   void SetText(int column, std::string_view text);

@@ -225,8 +225,9 @@ void* f4ref(const char* name) {
 
 const char* f4str(void* column) {
   static std::string buffer;
+  buffer.clear();
   const Reference at = Resolve(column);
-  buffer = at.table != nullptr ? at.table->Text(at.column) : std::string();
+  if (at.table != nullptr) at.table->Text(at.column, &buffer);
   return buffer.c_str();
 }
 

@@ -21,6 +21,15 @@ std::string_view TrimLeft(std::string_view text) {
   return text.substr(first == std::string_view::npos ? text.size() : first);
 }
 
+/// False for a record that cannot be read and for a number without room in a point.
+bool ReadRecord(std::int32_t number, std::string_view* record, std::string_view* pt_no) {
+  Host& host = TheHost();
+  Table& table = host.points.table;
+  if (table.Read(number, record) != Table::Got::kRead) return false;
+  *pt_no = TrimRight(table.Field(*record, host.pt_no));
+  return pt_no->size() < sizeof HostPoint::pt_no;
+}
+
 }  // namespace
 
 std::int32_t PointRecords() { return TheHost().points.table.count(); }
@@ -32,18 +41,15 @@ const std::vector<Column>& PointTableColumns() {
 }
 
 bool ReadPointBytes(std::int32_t number, std::string_view* record) {
-  Host& host = TheHost();
-  Table& table = host.points.table;
-  return table.Read(number, record) == Table::Got::kRead &&
-         TrimRight(table.Field(*record, host.pt_no)).size() < sizeof HostPoint::pt_no;
+  std::string_view pt_no;
+  return ReadRecord(number, record, &pt_no);
 }
 
 bool ReadPoint(std::int32_t number, HostPoint* point) {
-  Host& host = TheHost();
-  Table& table = host.points.table;
-  std::string_view record;
-  if (!ReadPointBytes(number, &record)) return false;
-  const std::string_view pt_no = TrimRight(table.Field(record, host.pt_no));
+  const Host& host = TheHost();
+  const Table& table = host.points.table;
+  std::string_view record, pt_no;
+  if (!ReadRecord(number, &record, &pt_no)) return false;
   *point = HostPoint{};
   pt_no.copy(point->pt_no, pt_no.size());
   point->east = ParseNumber(table.Field(record, host.east));
