@@ -55,10 +55,6 @@ ModalGuard::Hold::~Hold() {
 void ModalGuard::Push(QDialog& window) {
   if (open_.empty()) qApp->installEventFilter(this);
   open_.push_back(&window);
-  // The button that may be down now will be let go where nobody hears of it.
-  QEvent blocked(QEvent::WindowBlocked);
-  const QWindowList all = QGuiApplication::topLevelWindows();
-  for (QWindow* one : all) QCoreApplication::sendEvent(one, &blocked);
 }
 
 void ModalGuard::Pop(QDialog& window) {
@@ -101,11 +97,12 @@ bool ModalGuard::eventFilter(QObject* watched, QEvent* event) {
   if (widget == nullptr || !IsBehind(*widget)) return false;
   // The toolkit leads all input to an open popup, which need not know to whom it belongs.
   if (IsInput(type) && QApplication::activePopupWidget() != nullptr) return false;
-  if (type == QEvent::WindowActivate || type == QEvent::MouseButtonPress) {
-    QMetaObject::invokeMethod(
-        front(), [this] { BringToFront(); }, Qt::QueuedConnection);
+  const bool activated = type == QEvent::WindowActivate;
+  if (activated ? widget->isWindow() : type == QEvent::MouseButtonPress) {
+    const auto bring = [this] { BringToFront(); };
+    QMetaObject::invokeMethod(front(), bring, Qt::QueuedConnection);
   }
-  if (type == QEvent::WindowActivate) return false;
+  if (activated) return false;
   if (type == QEvent::Close && qobject_cast<const QDialog*>(widget) == nullptr) return false;
   // An override that is taken keeps the key from being a shortcut.
   event->setAccepted(type == QEvent::ShortcutOverride);

@@ -44,6 +44,7 @@ class PlayedDlg : public toolkit::Dialog {
 
  private:
   void OnPressed(toolkit::ControlId id) override { pressed(id); }
+  void OnRowSelected(toolkit::ControlId id) override { pressed(id); }
 };
 
 class DesktopCase : public testing::Test {

@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
@@ -446,44 +447,60 @@ TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
 
 TEST_F(Windows, OnlyTheOneInFrontTakesInputButTheMainOneCanBeClosed) {
   auto* const behind = new QPushButton(&shell.window);
-  behind->setShortcut(Qt::Key_F2);
-  behind->show();
+  QAction own;
+  own.setShortcut(Qt::Key_F2);
+  shell.window.addAction(&own);
   QSignalSpy clicked(behind, &QPushButton::clicked);
-  toolkit::Button ask(9001, "Fragen");
-  PlayedDlg dialog({&ask});
+  QSignalSpy triggered(&own, &QAction::triggered);
+  QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &own, [&](QWindow* window) {
+    if (window == shell.window.windowHandle()) QTest::keyClick(window, Qt::Key_F2);
+  });
+  behind->show();
+  QDialog beside(&shell.window);
+  beside.show();
+  toolkit::TickList rows(9001, "");
+  for (int i = 0; i < 50; ++i) rows.Add({std::to_string(i), i, false});
+  PlayedDlg dialog({&rows});
   int asked = 0;
   dialog.pressed = [&](toolkit::ControlId id) {
     if (id != 9001) return dialog.End(id);
     ++asked;
-    desktop.ShowBox("Wirklich?", "Frage", toolkit::kBoxYesNo, 0);
+    EXPECT_EQ(desktop.ShowBox("Wirklich?", "Frage", toolkit::kBoxYesNo, 0), toolkit::kAnswerNo);
   };
-  QWidget* outer = nullptr;
+  const auto middle = [](const QWidget* widget) { return widget->mapTo(widget->window(), widget->rect().center()); };
+  QWidget* list = nullptr;
   Then([&](QWidget* window) {
-    outer = window;
-    QTest::mouseClick(pilot::Find(*window, 9001), Qt::LeftButton);
+    list = pilot::Find(*window, 9001);
+    // The box opens while the button is down.
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, middle(list));
   });
   Then([&](QWidget* box) {
-    for (QWidget* button : {static_cast<QWidget*>(behind), pilot::Find(*outer, 9001)}) {
-      QWidget& window = *button->window();
-      window.activateWindow();
-      button->setFocus();
-      const QPoint middle = button->mapTo(&window, button->rect().center());
-      QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, middle);
-      for (const Qt::Key key : {Qt::Key_F2, Qt::Key_Space}) QTest::keyClick(window.windowHandle(), key);
-      QTest::keyClick(button, Qt::Key_Space);
+    triggered.clear();
+    for (QWidget* widget : {static_cast<QWidget*>(behind), list}) {
+      widget->activateWindow();
+      widget->setFocus();
+      QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {},
+                        middle(widget) + QPoint(0, widget == list ? 30 : 0));
+      QTest::keyClick(widget->window()->windowHandle(), Qt::Key_Space);
+      QTest::keyClick(widget, Qt::Key_Space);
       EXPECT_TRUE(QTest::qWaitFor([&] { return box->isActiveWindow(); }));
     }
-    EXPECT_EQ(clicked.count(), 0);
+    EXPECT_EQ(clicked.count() + triggered.count(), 0);
     EXPECT_EQ(asked, 1);
-    EXPECT_FALSE(outer->close());
+    EXPECT_EQ(rows.ticked(), 0U);
+    EXPECT_FALSE(beside.close());
     EXPECT_TRUE(shell.window.close());
     shell.window.show();
     Then(Close);
-    QTest::keyClick(box, Qt::Key_Return);
+    const QWidget* const no = static_cast<QMessageBox*>(box)->button(QMessageBox::No);
+    QTest::mouseClick(box->windowHandle(), Qt::LeftButton, {}, middle(no));
+    EXPECT_FALSE(box->isVisible());
   });
   EXPECT_EQ(Run(dialog), toolkit::kCancel);
   QTest::mouseClick(behind, Qt::LeftButton);
   EXPECT_EQ(clicked.count(), 1);
+  shell.window.activateWindow();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return triggered.count() > 0; }));
 }
 
 TEST_F(Windows, BoxesAnswerInGerman) {
