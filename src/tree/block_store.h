@@ -4,14 +4,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <utility>
 #include <vector>
 
-#include "platform/memory.h"
-
 namespace pktaus {
 
+/// Blocks begin at multiples of it.
+inline constexpr std::size_t kPage = 4096;
+
 /// Hands out bytes without any alignment from large blocks; all of them are given back at once, when the store dies.
+///
+/// Large pages are not asked for: they spare faults, but most virtual machines fetch them from their host first.
 class BlockStore {
  public:
   char* Take(std::size_t size) {
@@ -21,26 +25,29 @@ class BlockStore {
   }
 
  private:
-  static constexpr std::size_t kFirst = platform::kPage;
-  static constexpr std::size_t kLargest = 2 * platform::kLargePage;
+  struct alignas(kPage) Page {
+    char bytes[kPage];
+  };
+  static constexpr std::size_t kLargest = 4 * 1024 * 1024;
 
   char* TakeFromNew(std::size_t size) {
-    if (size > kLargest / 8) {  // a block of its own; the one in use goes on
-      blocks_.push_back(platform::TakeBlock(size));
-      return blocks_.back().get();
-    }
+    if (size > kLargest / 8) return TakeBlock(size);  // of its own; the block in use goes on
     while (block_size_ < size) block_size_ *= 2;
-    blocks_.push_back(platform::TakeBlock(block_size_));
-    next_ = blocks_.back().get();
+    next_ = TakeBlock(block_size_);
     left_ = block_size_;
     if (block_size_ < kLargest) block_size_ *= 2;
     return Take(size);
   }
 
-  std::vector<platform::Block> blocks_;
+  char* TakeBlock(std::size_t size) {
+    blocks_.push_back(std::make_unique_for_overwrite<Page[]>((size + kPage - 1) / kPage));
+    return reinterpret_cast<char*>(blocks_.back().get());
+  }
+
+  std::vector<std::unique_ptr<Page[]>> blocks_;
   char* next_ = nullptr;
   std::size_t left_ = 0;
-  std::size_t block_size_ = kFirst;
+  std::size_t block_size_ = kPage;
 };
 
 /// Room for objects that know their owner without a pointer each: it stands at the begin of every page.
@@ -52,7 +59,7 @@ class ObjectStore {
   template <typename T>
   void* Take() {
     constexpr std::size_t kSize = (sizeof(T) + kAlignment - 1) / kAlignment * kAlignment;
-    static_assert(alignof(T) <= kAlignment && kSize <= platform::kPage - kAlignment);
+    static_assert(alignof(T) <= kAlignment && kSize <= kPage - kAlignment);
     if (kSize > left_) BeginPage();
     left_ -= kSize;
     return std::exchange(next_, next_ + kSize);
@@ -62,7 +69,7 @@ class ObjectStore {
   static void* OwnerOf(const void* object) {
     const auto* const at = static_cast<const char*>(object);
     void* owner = nullptr;
-    std::memcpy(&owner, at - reinterpret_cast<std::uintptr_t>(at) % platform::kPage, sizeof owner);
+    std::memcpy(&owner, at - reinterpret_cast<std::uintptr_t>(at) % kPage, sizeof owner);
     return owner;
   }
 
@@ -71,10 +78,10 @@ class ObjectStore {
   static_assert(sizeof(void*) <= kAlignment);
 
   void BeginPage() {
-    char* const page = pages_.Take(platform::kPage);
+    char* const page = pages_.Take(kPage);
     std::memcpy(page, &owner_, sizeof owner_);
     next_ = page + kAlignment;
-    left_ = platform::kPage - kAlignment;
+    left_ = kPage - kAlignment;
   }
 
   void* owner_;
