@@ -42,6 +42,14 @@ bool IsInput(QEvent::Type type) {
 
 }  // namespace
 
+ModalGuard::ModalGuard(QWidget& main) : main_(main) {
+  soon_.setSingleShot(true);
+  soon_.setInterval(0);
+  connect(&soon_, &QTimer::timeout, this, [this] {
+    if (front() != nullptr) BringToFront();
+  });
+}
+
 ModalGuard::Hold::Hold(ModalGuard& guard, QDialog& window) : guard_(guard), window_(window) {
   window.setWindowModality(Qt::NonModal);
   guard.Push(window);
@@ -98,10 +106,7 @@ bool ModalGuard::eventFilter(QObject* watched, QEvent* event) {
   // The toolkit leads all input to an open popup, which need not know to whom it belongs.
   if (IsInput(type) && QApplication::activePopupWidget() != nullptr) return false;
   const bool activated = type == QEvent::WindowActivate;
-  if (activated ? widget->isWindow() : type == QEvent::MouseButtonPress) {
-    const auto bring = [this] { BringToFront(); };
-    QMetaObject::invokeMethod(front(), bring, Qt::QueuedConnection);
-  }
+  if (activated ? widget->isWindow() : type == QEvent::MouseButtonPress) soon_.start();
   if (activated) return false;
   if (type == QEvent::Close && qobject_cast<const QDialog*>(widget) == nullptr) return false;
   // An override that is taken keeps the key from being a shortcut.

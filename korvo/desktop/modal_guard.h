@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 #include <vector>
 
 class QDialog;
@@ -15,7 +16,7 @@ namespace korvo {
 class ModalGuard : public QObject {
  public:
   /// `main` must outlive the guard.
-  explicit ModalGuard(QWidget& main) : main_(main) {}
+  explicit ModalGuard(QWidget& main);
 
   /// Holds the person in a window that is not shown yet; at the end hides it and goes back to the one behind.
   class Hold {
@@ -44,6 +45,7 @@ class ModalGuard : public QObject {
   void BringToFront();
 
   QWidget& main_;
+  QTimer soon_;  ///< brings the window in front to the front when the running event is done
   std::vector<QDialog*> open_;
 };
 
