@@ -2,6 +2,10 @@
 
 #include <dlfcn.h>
 
+#include <filesystem>
+#include <string>
+#include <system_error>
+
 #include "base/text.h"
 #include "korvo/host/project.h"
 #include "korvo/host/state.h"
@@ -9,6 +13,14 @@
 namespace korvo {
 
 using namespace text::literals;
+
+namespace {
+
+constexpr const char* kNoLibrary = "Die Bibliothek fehlt: "_ansi;
+constexpr const char* kNotStarted = "Die Bibliothek lässt sich nicht starten: "_ansi;
+constexpr const char* kSystemSays = " (Meldung des Systems: "_ansi;
+
+}  // namespace
 
 bool RunPlugin(const std::string& library_on_disk, std::string* why) {
   Host& host = TheHost();
@@ -20,14 +32,20 @@ bool RunPlugin(const std::string& library_on_disk, std::string* why) {
     *why = host.only_looking + " Sie können es nur ansehen."_ansi;
     return false;
   }
+  const std::string named = text::FromUtf8Lossy(library_on_disk);
+  std::error_code unknown;
+  if (!std::filesystem::exists(library_on_disk, unknown)) {
+    *why = kNoLibrary + named;
+    return false;
+  }
   // A name without a separator would be looked for in the system's own folders.
   const bool has_folder = library_on_disk.find('/') != std::string::npos;
   void* library = dlopen((has_folder ? library_on_disk : "./" + library_on_disk).c_str(), RTLD_NOW | RTLD_LOCAL);
   void* entry = library != nullptr ? dlsym(library, "pkt_aus") : nullptr;
   if (entry == nullptr) {
     const char* reason = dlerror();
-    *why = std::string("Die Bibliothek lässt sich nicht starten: "_ansi) +
-           text::FromUtf8Lossy(reason != nullptr ? reason : library_on_disk);
+    *why = kNotStarted + named;
+    if (reason != nullptr) *why += kSystemSays + text::FromUtf8Lossy(reason) + ")";
     return false;
   }
   reinterpret_cast<std::int32_t (*)(HostState**)>(entry)(&V2_VAR);

@@ -138,7 +138,8 @@ TEST_F(ConsoleTest, StartsOnlyWithWhatItCanOpen) {
       {work_.path(), "", 1, "keine Punkttabelle"},
       {project + "/punkte.dbf", "punkte\n", 0, ""},
       {"--script a.txt " + project, "ungelesen\n", 0, ""},
-      {"--plugin a.txt " + project, "start\n", 2, "lässt sich nicht starten"},
+      {"--plugin a.txt " + project, "start\n", 2, "lässt sich nicht starten: a.txt"},
+      {"--plugin weg.so " + project, "start\n", 2, "Die Bibliothek fehlt: weg.so"},
       {project + " <&- >&- 2>&-", "", 1, ""},
   };
   for (const auto& c : kCases) {
