@@ -96,13 +96,13 @@ class EditView : public ControlView {
       edit_->setPalette(palette);
     }
     QObject::connect(edit_, &QLineEdit::textEdited, edit_, [send, id = field.id()](const QString& text) {
-      send(toolkit::Typed{id, FromEdited(text)});
+      send(toolkit::Typed{id, FromLine(text)});
     });
   }
 
  protected:
   void ShowContents() override {
-    const QString text = AsEdited(field_.text);
+    const QString text = AsLine(field_.text);
     if (text == edit_->text()) return;
     const int cursor = edit_->cursorPosition();
     edit_->setText(text);

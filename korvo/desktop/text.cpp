@@ -8,9 +8,10 @@ namespace korvo {
 namespace {
 
 /// A visible sign for a control character, another one for each and none that Windows-1252 has; others as they are.
-/// Fonts have the arrows, but hardly the pictures of the rest.
+/// Fonts have the arrows; the rest, which hardly occurs, may come out as the box of a missing letter.
 constexpr char16_t SignOf(char16_t c) {
   constexpr char16_t kPictures = 0x2400;
+  constexpr char16_t kPrivate = 0xE000;
   switch (c) {
     case u'\t':
       return u'→';
@@ -21,12 +22,12 @@ constexpr char16_t SignOf(char16_t c) {
     case 0x7F:
       return 0x2421;
     default:
-      return c < u' ' ? kPictures + c : c;
+      return c < u' ' ? kPictures + c : c >= 0x80 && c < 0xA0 ? kPrivate + c : c;
   }
 }
 
 constexpr char16_t WithSign(char16_t sign) {
-  for (char16_t c = 0; c < 0x80; ++c) {
+  for (char16_t c = 0; c < 0xA0; ++c) {
     if (SignOf(c) == sign) return c;
   }
   return sign;
@@ -57,19 +58,17 @@ std::string ToAnsi(const QString& text) {
   return ansi;
 }
 
-QString AsEdited(std::string_view ansi) {
+QString AsLine(std::string_view ansi) {
   QString text = FromAnsi(ansi);
   for (QChar& c : text) c = QChar(SignOf(c.unicode()));
   return text;
 }
 
-std::string FromEdited(QString text) {
+std::string FromLine(QString text) {
   text.removeIf([](QChar c) { return c == QChar(u'\r') || c == QChar(u'\n'); });
   for (QChar& c : text) c = QChar(WithSign(c.unicode()));
   return ToAnsi(text);
 }
-
-QString AsLine(std::string_view ansi) { return QString::fromStdString(OneLine(ansi)); }
 
 QString AsLines(std::string_view ansi) {
   QString lines;

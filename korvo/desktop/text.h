@@ -12,13 +12,10 @@ QString FromAnsi(std::string_view ansi);
 /// Back; nothing is lost for what FromAnsi gave. A character that Windows-1252 lacks becomes '?'.
 std::string ToAnsi(const QString& text);
 
-/// As one line to be edited: each control character, a line break too, as a visible sign of its own.
-QString AsEdited(std::string_view ansi);
-/// Back; nothing is lost for what AsEdited gave. Line breaks, which only the clipboard can bring, are left out.
-std::string FromEdited(QString text);
-
-/// As one line for a person: control characters as visible signs.
+/// As one line for a person: each control character, a line break too, as a visible sign of its own.
 QString AsLine(std::string_view ansi);
+/// Back; nothing is lost for what AsLine gave. Line breaks, which only the clipboard can bring, are left out.
+std::string FromLine(QString text);
 /// As lines for a person: any of "\r\r\n", "\r\n", "\n\r", "\n" and "\r" is one line break.
 QString AsLines(std::string_view ansi);
 /// As running text for a person: a line break is a blank.

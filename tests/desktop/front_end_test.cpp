@@ -58,13 +58,13 @@ TEST(Text, GoesToTheScreenAndBack) {
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   EXPECT_EQ(korvo::ToAnsi(korvo::FromAnsi(all)), all);
-  EXPECT_EQ(korvo::FromEdited(korvo::AsEdited(all)), all);
-  EXPECT_EQ(korvo::AsEdited("1\r\n\x7f"), QStringLiteral("1←↵␡"));
-  EXPECT_EQ(korvo::FromEdited(QStringLiteral("4711\r\n")), "4711") << "a cell from the clipboard";
+  EXPECT_EQ(korvo::FromLine(korvo::AsLine(all)), all);
+  EXPECT_EQ(korvo::AsLine("1\r\n\x7f\x81"), QStringLiteral("1←↵␡\uE081"));
+  EXPECT_EQ(korvo::FromLine(QStringLiteral("4711\r\n")), "4711") << "a cell from the clipboard";
   EXPECT_EQ(korvo::FromAnsi("\x80"), QStringLiteral("€"));
   EXPECT_EQ(korvo::ToAnsi(QStringLiteral("a\u0142\U0001F600b")), "a??b");
   EXPECT_EQ(korvo::AsLines("1\r\r\n2\n\r3\r\n4\n\n5\tx\x1b"), QStringLiteral("1\n2\n3\n4\n\n5    x␛"));
-  EXPECT_EQ(korvo::AsCaption("A&B\r\n"), QStringLiteral("A&&B␍␊"));
+  EXPECT_EQ(korvo::AsCaption("A&B\r\n"), QStringLiteral("A&&B←↵"));
 }
 
 class Windows : public DesktopCase {};

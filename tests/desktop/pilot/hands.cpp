@@ -88,7 +88,7 @@ bool ShowsContents(const toolkit::Control& control, const QWidget& widget) {
   switch (control.kind()) {
     case toolkit::Kind::kText: {
       const std::string& text = As<toolkit::TextField>(control).text;
-      if (edit != nullptr) return edit->text() == korvo::AsEdited(text);
+      if (edit != nullptr) return edit->text() == korvo::AsLine(text);
       return lines == nullptr || lines->toPlainText() == korvo::AsLines(text);
     }
     case toolkit::Kind::kDate:
