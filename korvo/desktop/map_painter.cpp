@@ -247,7 +247,8 @@ std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
   return labels;
 }
 
-void MapPainter::DrawGridLines(QPainter& painter, const MapCamera& camera) {
+void MapPainter::DrawGridLines(QPainter& painter, const MapCamera& camera) const {
+  if (!points_.HasAnyPlace()) return;
   const double step = RoundLength(kGridSpacing / camera.scale);
   const MapBox box = camera.Seen(0);
   painter.setPen(QPen(kGridLine, 1));
@@ -262,6 +263,7 @@ void MapPainter::DrawGridLines(QPainter& painter, const MapCamera& camera) {
 }
 
 void MapPainter::WriteGrid(QPainter& painter, const MapCamera& camera) const {
+  if (!points_.HasAnyPlace()) return;
   constexpr double kInset = 4;
   painter.setFont(font_);
   const QFontMetricsF metrics(font_);

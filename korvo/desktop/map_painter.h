@@ -77,7 +77,7 @@ class MapPainter {
   static double MarkSize(std::size_t points);
   std::vector<Label> PlaceLabels(const MapCamera& camera, const std::array<std::vector<Seen>, kPointStates>& seen,
                                  double mark);
-  static void DrawGridLines(QPainter& painter, const MapCamera& camera);
+  void DrawGridLines(QPainter& painter, const MapCamera& camera) const;
   void WriteGrid(QPainter& painter, const MapCamera& camera) const;
   void DrawLegend(QPainter& painter, const MapCamera& camera, const QString& title) const;
   void PrepareSprites(double ratio, double size);

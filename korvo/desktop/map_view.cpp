@@ -144,7 +144,7 @@ void MapView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.drawImage(0, 0, picture_);
   painter.setRenderHint(QPainter::Antialiasing);
-  if (points_.count() == points_.without_place()) {
+  if (!points_.HasAnyPlace()) {
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Keine Punkte mit Koordinaten"));
   }
@@ -163,16 +163,17 @@ void MapView::DrawTag(QPainter& painter, int point) const {
   if (!points_.HasPlace(point)) return;
   constexpr double kInset = 5;
   constexpr double kAway = 12;
-  QString text = QStringLiteral("Punkt ") + AsLine(points_.Number(point)).trimmed();
+  const QPointF at = PlaceOf(point);
+  if (!rect().contains(at.toPoint())) return;
+  const QFontMetricsF metrics(painter_.font());
+  const auto line = [&](const QString& all) { return metrics.elidedText(all, Qt::ElideMiddle, width() / 3.0); };
+  QString text = line(QStringLiteral("Punkt ") + AsLine(points_.Number(point)).trimmed());
   const QString pkn = AsLine(points_.Field(point, pkn_));
-  if (!pkn.isEmpty()) text += QStringLiteral("\nPKN ") + pkn;
+  if (!pkn.isEmpty()) text += QLatin1Char('\n') + line(QStringLiteral("PKN ") + pkn);
   text += QLatin1Char('\n') + NameOf(points_.State(point));
 
   painter.setFont(painter_.font());
-  const QFontMetricsF metrics(painter_.font());
-  const QRectF needed = metrics.boundingRect(QRectF(0, 0, width(), height()), Qt::AlignLeft | Qt::AlignTop, text);
-  const QPointF at = PlaceOf(point);
-  if (!rect().contains(at.toPoint())) return;
+  const QRectF needed = metrics.boundingRect(QRectF(rect()), Qt::AlignLeft | Qt::AlignTop, text);
   QRectF box(at + QPointF(kAway, kAway), needed.size() + QSizeF(2 * kInset, 2 * kInset));
   if (box.right() > width()) box.moveRight(at.x() - kAway);
   if (box.bottom() > height()) box.moveBottom(at.y() - kAway);

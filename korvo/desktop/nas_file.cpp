@@ -1,6 +1,7 @@
 #include "korvo/desktop/nas_file.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 #include <QStringDecoder>
@@ -169,6 +170,12 @@ class NasFile::Parser {
 bool NasFile::Read(const QString& path, QString* why) {
   *this = NasFile();
   path_ = path;
+  // What only has a name like a file may keep its reader waiting for ever.
+  const QFileInfo facts(path);
+  if (facts.exists() && !facts.isFile()) {
+    *why = QStringLiteral("Es ist keine Datei.");
+    return false;
+  }
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {
     *why = file.errorString();

@@ -199,12 +199,12 @@ void NasWindow::PointsRead() {
 
 void NasWindow::ShowSummary() {
   const std::vector<int>& points = model_->points();
-  QString text = QStringLiteral(
-                     "%1 Objekte, davon mit Punkten des Projekts: %2. Diese %3 Punkte sind in der Karte "
-                     "violett umringt.")
+  QString text = QStringLiteral("Objekte: %1, davon zu Punkten des Projekts: %2.")
                      .arg(file_->members().size())
-                     .arg(std::count_if(points.begin(), points.end(), [](int point) { return point >= 0; }))
-                     .arg(Points().size());
+                     .arg(std::count_if(points.begin(), points.end(), [](int point) { return point >= 0; }));
+  const std::size_t marked = Points().size();
+  if (marked == 1) text += QStringLiteral(" Der Punkt ist in der Karte violett umringt.");
+  if (marked > 1) text += QStringLiteral(" Die %1 Punkte sind in der Karte violett umringt.").arg(marked);
   if (!file_->trouble().isEmpty()) text += QLatin1Char('\n') + file_->trouble();
   summary_->setText(text);
   summary_->setToolTip(file_->path().toHtmlEscaped());

@@ -24,6 +24,8 @@ NoticeBar::NoticeBar(Kind kind, QWidget* parent) : QFrame(parent) {
   text_->setTextFormat(Qt::PlainText);
   text_->setWordWrap(true);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  // A long word, as a path is one, must not widen the window.
+  text_->setMinimumWidth(1);
   button_ = new QPushButton;
   auto* close = new QToolButton;
   close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));

@@ -58,6 +58,7 @@ class PointSet {
   /// A point whose coordinates are missing or both 0 has no place and is not on the map.
   bool HasPlace(int point) const { return places_[static_cast<std::size_t>(point)].here; }
   int without_place() const { return without_place_; }
+  bool HasAnyPlace() const { return count() > without_place_; }
   /// Metres. The number of the zone in front of an easting is left out, so that points with and without it meet.
   double East(int point) const { return places_[static_cast<std::size_t>(point)].east; }
   double North(int point) const { return places_[static_cast<std::size_t>(point)].north; }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QAbstractButton>
 #include <QAction>
@@ -101,7 +102,7 @@ TEST_F(Window, MapAndTableAndFindFieldPickTheSamePoints) {
   table->selectRow(0);
   EXPECT_EQ(window_.map().selected(), std::vector<int>{0});
   const QModelIndex remark = table->model()->index(0, table->model()->columnCount() - 1);
-  EXPECT_FALSE(remark.data().toString().contains(QChar(u'\n')));
+  EXPECT_EQ(remark.data().toString(), QStringLiteral("a↵b←\u2401 <b>&x"));
   Type("de3", "filter");
   EXPECT_EQ(table->model()->rowCount(), 1);
   Type("", "filter");
@@ -227,6 +228,12 @@ TEST_F(Window, StaysUsableWhenAProjectCannotBeOpened) {
     EXPECT_TRUE(Notices(why)) << bad;
     EXPECT_EQ(window_.points().count(), 3) << "what was open is open again";
   }
+  const std::string pipe = folder_.File(std::string(250, 'n'));
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(window_.OpenNas(QString::fromStdString(pipe)), nullptr);
+  EXPECT_TRUE(Notices("Es ist keine Datei."));
+  QCoreApplication::processEvents();
+  EXPECT_LT(window_.minimumSizeHint().width(), 1200) << "a long name";
   window_.Open(QString::fromStdString(folder_.Write("kaputt.dbf", "\x03 keine Tabelle")));
   EXPECT_TRUE(Notices("nicht lesbar"));
   EXPECT_EQ(window_.points().count(), 0);
@@ -263,6 +270,27 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
     EXPECT_FALSE(window_.isVisible());
   }
   EXPECT_EQ(closed, 5);
+}
+
+TEST_F(Window, KeepsTheTagOfALongPointInTheMap) {
+  std::vector<support::TableColumn> columns = support::HostColumns();
+  columns.push_back({"NE_PKN", 'C', 254, 0});
+  TableFile table(columns);
+  table.Add({{"PT_NO", "1"}, {"EAST", "649900.0"}, {"NORTH", "5651000.0"}, {"NE_PKN", std::string(250, '\x01')}});
+  folder_.Write("punkte.dbf", table.Bytes());
+  window_.Open(QString::fromStdString(path_));
+  korvo::MapView& map = window_.map();
+  const QImage before = map.grab().toImage();
+  QTest::mouseMove(&map, map.PlaceOf(0).toPoint());
+  const QImage after = map.grab().toImage();
+  QRect changed;
+  for (int x = 0; x < after.width(); ++x) {
+    for (int y = 0; y < after.height(); ++y) {
+      if (after.pixel(x, y) != before.pixel(x, y)) changed |= QRect(x, y, 1, 1);
+    }
+  }
+  EXPECT_GT(changed.width(), after.width() / 4);
+  EXPECT_LT(changed.width(), after.width() * 2 / 5);
 }
 
 TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
