@@ -84,7 +84,7 @@ class Roomy : public Area {
 
 class EditView : public ControlView {
  public:
-  EditView(const toolkit::TextField& field, QWidget* parent, const Send& send)
+  EditView(const toolkit::TextField& field, QWidget* parent, const Ways& ways)
       : ControlView(field), field_(field), edit_(new QLineEdit(parent)) {
     SetWidget(edit_);
     AddLabel(parent);
@@ -95,8 +95,8 @@ class EditView : public ControlView {
       palette.setBrush(QPalette::Base, palette.window());
       edit_->setPalette(palette);
     }
-    QObject::connect(edit_, &QLineEdit::textEdited, edit_, [send, id = field.id()](const QString& text) {
-      send(toolkit::Typed{id, FromLine(text)});
+    ways.edge.Connect(edit_, &QLineEdit::textEdited, edit_, [&ways, id = field.id()](const QString& text) {
+      ways.send(toolkit::Typed{id, FromLine(text)});
     });
   }
 
@@ -172,10 +172,11 @@ class LinesView : public ControlView {
 
 class ButtonView : public ControlView {
  public:
-  ButtonView(const toolkit::Button& button, QWidget* parent, const Send& send)
+  ButtonView(const toolkit::Button& button, QWidget* parent, const Ways& ways)
       : ControlView(button), button_(new QPushButton(parent)) {
     SetWidget(button_);
-    QObject::connect(button_, &QPushButton::clicked, button_, [send, id = button.id()] { send(toolkit::Pressed{id}); });
+    ways.edge.Connect(button_, &QPushButton::clicked, button_,
+                      [&ways, id = button.id()] { ways.send(toolkit::Pressed{id}); });
   }
   bool IsWide() const override { return false; }
 
@@ -193,11 +194,11 @@ class ButtonView : public ControlView {
 
 class TickView : public ControlView {
  public:
-  TickView(const toolkit::TickBox& box, QWidget* parent, const Send& send)
+  TickView(const toolkit::TickBox& box, QWidget* parent, const Ways& ways)
       : ControlView(box), box_(box), check_(new QCheckBox(parent)) {
     SetWidget(check_);
-    QObject::connect(check_, &QCheckBox::clicked, check_, [send, id = box.id()](bool on) {
-      send(toolkit::BoxTicked{id, on});
+    ways.edge.Connect(check_, &QCheckBox::clicked, check_, [&ways, id = box.id()](bool on) {
+      ways.send(toolkit::BoxTicked{id, on});
     });
   }
   bool IsWide() const override { return false; }
@@ -227,7 +228,7 @@ class Option : public QRadioButton {
 
 class RadioView : public ControlView {
  public:
-  RadioView(const toolkit::RadioGroup& group, QWidget* parent, const Send& send)
+  RadioView(const toolkit::RadioGroup& group, QWidget* parent, const Ways& ways)
       : ControlView(group), group_(group), frame_(new QGroupBox(parent)), buttons_(new QButtonGroup(frame_)) {
     SetWidget(frame_);
     auto* row = new QHBoxLayout(frame_);
@@ -240,8 +241,8 @@ class RadioView : public ControlView {
       row->addWidget(button);
     }
     row->addStretch(1);
-    QObject::connect(buttons_, &QButtonGroup::idClicked, frame_, [send, id = group.id()](int option) {
-      send(toolkit::OptionChosen{id, option});
+    ways.edge.Connect(buttons_, &QButtonGroup::idClicked, frame_, [&ways, id = group.id()](int option) {
+      ways.send(toolkit::OptionChosen{id, option});
     });
   }
   std::vector<QWidget*> Stops() const override {
@@ -279,8 +280,8 @@ class RadioView : public ControlView {
 /// that stood there before. A text that is no day stays for the person to mend, and the control keeps its day.
 class DateView : public ControlView {
  public:
-  DateView(const toolkit::DateField& field, QWidget* parent, const Send& send)
-      : ControlView(field), field_(field), send_(send), box_(new QWidget(parent)) {
+  DateView(const toolkit::DateField& field, QWidget* parent, const Ways& ways)
+      : ControlView(field), field_(field), ways_(ways), box_(new QWidget(parent)) {
     SetWidget(box_);
     auto* row = new QHBoxLayout(box_);
     row->setContentsMargins(0, 0, 0, 0);
@@ -288,8 +289,8 @@ class DateView : public ControlView {
       on_ = new QCheckBox(box_);
       on_->setObjectName(box_->objectName() + QStringLiteral(".an"));
       row->addWidget(on_);
-      QObject::connect(on_, &QCheckBox::clicked, box_, [this](bool on) {
-        send_(toolkit::DaySet{field_.id(), on, field_.day});
+      ways.edge.Connect(on_, &QCheckBox::clicked, box_, [this](bool on) {
+        ways_.send(toolkit::DaySet{field_.id(), on, field_.day});
       });
     }
     edit_ = new QLineEdit(box_);
@@ -308,11 +309,11 @@ class DateView : public ControlView {
     box_->setFocusProxy(on_ != nullptr ? static_cast<QWidget*>(on_) : edit_);
     AddLabel(parent);
     // A year of fewer digits may still grow.
-    QObject::connect(edit_, &QLineEdit::textEdited, box_, [this](const QString& text) {
+    ways.edge.Connect(edit_, &QLineEdit::textEdited, box_, [this](const QString& text) {
       if (text.trimmed().section(QChar(u'.'), 2).size() == 4) Tell();
       if (IsHeld()) Mark(false);
     });
-    QObject::connect(edit_, &QLineEdit::editingFinished, box_, [this] { Leave(); });
+    ways.edge.Connect(edit_, &QLineEdit::editingFinished, box_, [this] { Leave(); });
   }
   std::vector<QWidget*> Stops() const override {
     return on_ != nullptr ? std::vector<QWidget*>{on_, edit_, open_} : std::vector<QWidget*>{edit_, open_};
@@ -356,7 +357,7 @@ class DateView : public ControlView {
     const std::optional<platform::CivilTime> typed = TypedDay();
     if (!typed || SameDay(*typed, field_.day)) return;
     shown_ = *typed;
-    send_(toolkit::DaySet{field_.id(), true, *typed});
+    ways_.send(toolkit::DaySet{field_.id(), true, *typed});
   }
 
   void Leave() {
@@ -364,7 +365,7 @@ class DateView : public ControlView {
     if (field_.can_be_off && edit_->text().trimmed().isEmpty()) {
       // Left by Enter: else the keyboard would go on to a button, which Enter would then press.
       if (edit_->hasFocus()) on_->setFocus();
-      return send_(toolkit::DaySet{field_.id(), false, field_.day});
+      return ways_.send(toolkit::DaySet{field_.id(), false, field_.day});
     }
     Tell();
     IsHeld() ? ShowDay() : Mark(true);
@@ -394,22 +395,22 @@ class DateView : public ControlView {
     action->setDefaultWidget(calendar);
     menu->addAction(action);
     open_->setMenu(menu);
-    QObject::connect(menu, &QMenu::aboutToShow, calendar, [this, calendar] {
+    ways_.edge.Connect(menu, &QMenu::aboutToShow, calendar, [this, calendar] {
       const QDate day(field_.day.year, field_.day.month, field_.day.day);
       if (day.isValid()) calendar->setSelectedDate(day);
       calendar->setFocus();
     });
     const auto take = [this, menu](const QDate& day) {
       menu->close();
-      send_(toolkit::DaySet{field_.id(), true, {day.year(), day.month(), day.day(), 0, 0, 0}});
+      ways_.send(toolkit::DaySet{field_.id(), true, {day.year(), day.month(), day.day(), 0, 0, 0}});
       ShowDay();
     };
-    QObject::connect(calendar, &QCalendarWidget::clicked, box_, take);
-    QObject::connect(calendar, &QCalendarWidget::activated, box_, take);
+    ways_.edge.Connect(calendar, &QCalendarWidget::clicked, box_, take);
+    ways_.edge.Connect(calendar, &QCalendarWidget::activated, box_, take);
   }
 
   const toolkit::DateField& field_;
-  Send send_;
+  const Ways& ways_;
   QWidget* box_;
   QLineEdit* edit_ = nullptr;
   QToolButton* open_ = nullptr;
@@ -421,8 +422,11 @@ class DateView : public ControlView {
 
 class ChoiceView : public ControlView {
  public:
-  ChoiceView(const toolkit::ChoiceList& list, QWidget* parent, const Send& send)
-      : ControlView(list), list_(list), box_(new Calm<QComboBox>(parent)), model_(new EntryModel(list, box_)) {
+  ChoiceView(const toolkit::ChoiceList& list, QWidget* parent, const Ways& ways)
+      : ControlView(list),
+        list_(list),
+        box_(new Calm<QComboBox>(parent)),
+        model_(new EntryModel(list, ways.edge, box_)) {
     SetWidget(box_);
     AddLabel(parent);
     // The width must not be measured from the entries: there may be very many.
@@ -434,8 +438,8 @@ class ChoiceView : public ControlView {
     box_->setView(view);
     box_->setModel(model_);
     // The entry that is selected already is no new choice: its rule would put back what was typed since.
-    QObject::connect(box_, &QComboBox::activated, box_, [send, &list](int position) {
-      if (position != list.selected()) send(toolkit::EntrySelected{list.id(), position});
+    ways.edge.Connect(box_, &QComboBox::activated, box_, [&ways, &list](int position) {
+      if (position != list.selected()) ways.send(toolkit::EntrySelected{list.id(), position});
     });
   }
 
@@ -454,21 +458,21 @@ class ChoiceView : public ControlView {
 
 class TickListView : public ControlView {
  public:
-  TickListView(const toolkit::TickList& list, QWidget* parent, const Send& send)
+  TickListView(const toolkit::TickList& list, QWidget* parent, const Ways& ways)
       : ControlView(list), list_(list), view_(new Roomy<QListView>(parent)) {
     SetWidget(view_);
     AddLabel(parent);
-    model_ = new RowModel(list, view_, [send, id = list.id()](int row, bool on) {
-      send(toolkit::RowTicked{id, row, on});
+    model_ = new RowModel(list, ways.edge, view_, [&ways, id = list.id()](int row, bool on) {
+      ways.send(toolkit::RowTicked{id, row, on});
     });
     view_->setUniformItemSizes(true);
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view_->setModel(model_);
     view_->setSpacing(kRowSpacing);
-    QObject::connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, view_,
-                     [this, send, id = list.id()] {
-                       send(toolkit::RowSelected{id, SelectedRow()});
-                     });
+    ways.edge.Connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, view_,
+                      [this, &ways, id = list.id()] {
+                        ways.send(toolkit::RowSelected{id, SelectedRow()});
+                      });
   }
   int Growth() const override { return 3; }
 
@@ -501,12 +505,12 @@ std::unique_ptr<ControlView> Make(const toolkit::Control& control, QWidget* pare
 }
 
 std::unique_ptr<ControlView> MakeTextView(const toolkit::TextField& field, QWidget* parent,
-                                          const ControlView::Send& send) {
+                                          const ControlView::Ways& ways) {
   if (field.form == toolkit::TextField::Form::kReadOnlyLines) return std::make_unique<LinesView>(field, parent);
   if (field.form == toolkit::TextField::Form::kReadOnly && field.label().empty()) {
     return std::make_unique<LineView>(field, parent);
   }
-  return std::make_unique<EditView>(field, parent, send);
+  return std::make_unique<EditView>(field, parent, ways);
 }
 
 }  // namespace
@@ -582,11 +586,11 @@ void ControlView::Show() {
   }
 }
 
-PagesView::PagesView(const toolkit::Pages& pages, QWidget* parent, const Send& send)
+PagesView::PagesView(const toolkit::Pages& pages, QWidget* parent, const Ways& ways)
     : ControlView(pages), pages_(pages), tabs_(new QTabWidget(parent)) {
   SetWidget(tabs_);
-  QObject::connect(tabs_, &QTabWidget::currentChanged, tabs_, [send, id = pages.id()](int page) {
-    send(toolkit::PageTurned{id, page});
+  ways.edge.Connect(tabs_, &QTabWidget::currentChanged, tabs_, [&ways, id = pages.id()](int page) {
+    ways.send(toolkit::PageTurned{id, page});
   });
   // The tabs' own keys work only while the keyboard is on a page.
   const auto turn = [this](int step) {
@@ -615,24 +619,24 @@ void PagesView::ShowContents() {
   if (tabs_->currentIndex() != pages_.current) tabs_->setCurrentIndex(pages_.current);
 }
 
-std::unique_ptr<ControlView> MakeView(const toolkit::Control& control, QWidget* parent, const ControlView::Send& send) {
+std::unique_ptr<ControlView> MakeView(const toolkit::Control& control, QWidget* parent, const ControlView::Ways& ways) {
   switch (control.kind()) {
     case Kind::kText:
-      return MakeTextView(static_cast<const toolkit::TextField&>(control), parent, send);
+      return MakeTextView(static_cast<const toolkit::TextField&>(control), parent, ways);
     case Kind::kButton:
-      return Make<ButtonView, toolkit::Button>(control, parent, send);
+      return Make<ButtonView, toolkit::Button>(control, parent, ways);
     case Kind::kTickBox:
-      return Make<TickView, toolkit::TickBox>(control, parent, send);
+      return Make<TickView, toolkit::TickBox>(control, parent, ways);
     case Kind::kRadioGroup:
-      return Make<RadioView, toolkit::RadioGroup>(control, parent, send);
+      return Make<RadioView, toolkit::RadioGroup>(control, parent, ways);
     case Kind::kDate:
-      return Make<DateView, toolkit::DateField>(control, parent, send);
+      return Make<DateView, toolkit::DateField>(control, parent, ways);
     case Kind::kChoice:
-      return Make<ChoiceView, toolkit::ChoiceList>(control, parent, send);
+      return Make<ChoiceView, toolkit::ChoiceList>(control, parent, ways);
     case Kind::kTickList:
-      return Make<TickListView, toolkit::TickList>(control, parent, send);
+      return Make<TickListView, toolkit::TickList>(control, parent, ways);
     case Kind::kPages:
-      return Make<PagesView, toolkit::Pages>(control, parent, send);
+      return Make<PagesView, toolkit::Pages>(control, parent, ways);
   }
   return nullptr;
 }

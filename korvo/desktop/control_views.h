@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "korvo/desktop/edge.h"
 #include "toolkit/dialog.h"
 
 namespace korvo {
@@ -38,7 +39,11 @@ class ShortcutLetters {
 /// the view must not be used after them.
 class ControlView {
  public:
-  using Send = std::function<void(const toolkit::Event&)>;
+  /// To the window; they must outlive the view.
+  struct Ways {
+    Edge edge;  ///< around what the toolkit calls
+    std::function<void(const toolkit::Event&)> send;
+  };
 
   explicit ControlView(const toolkit::Control& control) : control_(control) {}
   virtual ~ControlView() = default;
@@ -90,7 +95,7 @@ class ControlView {
 /// A sheet of pages; whoever lays the dialog out fills them.
 class PagesView : public ControlView {
  public:
-  PagesView(const toolkit::Pages& pages, QWidget* parent, const Send& send);
+  PagesView(const toolkit::Pages& pages, QWidget* parent, const Ways& ways);
   int Growth() const override { return 1; }
   /// The page of that index from 0, which need not have a caption yet.
   QWidget* Page(int index);
@@ -107,6 +112,6 @@ class PagesView : public ControlView {
 };
 
 /// The view of any control, its widgets below `parent`.
-std::unique_ptr<ControlView> MakeView(const toolkit::Control& control, QWidget* parent, const ControlView::Send& send);
+std::unique_ptr<ControlView> MakeView(const toolkit::Control& control, QWidget* parent, const ControlView::Ways& ways);
 
 }  // namespace korvo

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -66,7 +67,11 @@ void AddSegment(QGridLayout* grid, int row, int column, int columns, const Segme
 }  // namespace
 
 DialogWindow::DialogWindow(toolkit::Dialog& dialog, Waits& waits, QWidget* parent, std::function<void()> ended)
-    : QDialog(parent), dialog_(dialog), waits_(waits), ended_(std::move(ended)) {
+    : QDialog(parent),
+      dialog_(dialog),
+      waits_(waits),
+      ended_(std::move(ended)),
+      ways_{Edge([this] { waits_.AtEdge([] { throw; }); }), [this](const toolkit::Event& event) { Send(event); }} {
   auto* column = new QVBoxLayout(this);
   auto* body = new QWidget(this);
   column->addWidget(body, 1);
@@ -113,9 +118,7 @@ DialogWindow::~DialogWindow() {
 QString DialogWindow::SizeKey() const { return QStringLiteral("dialoge/%1/groesse").arg(dialog_.number()); }
 
 void DialogWindow::MakeViews() {
-  for (const Control* control : dialog_.controls()) {
-    views_.push_back(MakeView(*control, this, [this](const toolkit::Event& event) { Send(event); }));
-  }
+  for (const Control* control : dialog_.controls()) views_.push_back(MakeView(*control, this, ways_));
 }
 
 std::size_t DialogWindow::ButtonsAtEnd() const {
@@ -231,7 +234,7 @@ void DialogWindow::ShowCaptions() {
 }
 
 void DialogWindow::ShowControls() {
-  showing_ = true;
+  const QScopedValueRollback showing(showing_, true);
   setWindowTitle(AsLine(dialog_.title()));
   for (const auto& view : views_) view->Show();
   ShowCaptions();
@@ -240,7 +243,6 @@ void DialogWindow::ShowControls() {
     const auto has_shown = [&](const Row& row) { return std::any_of(row.begin(), row.end(), shows); };
     if (area.frame != nullptr) area.frame->setVisible(std::any_of(area.rows.begin(), area.rows.end(), has_shown));
   }
-  showing_ = false;
 }
 
 bool DialogWindow::PointOutFault() {
@@ -260,7 +262,10 @@ bool DialogWindow::PointOutFault() {
 }
 
 void DialogWindow::Send(const toolkit::Event& event) {
-  if (showing_) return;
+  if (!showing_) ways_.edge.Run([&] { Handle(event); });
+}
+
+void DialogWindow::Handle(const toolkit::Event& event) {
   const auto* pressed = std::get_if<toolkit::Pressed>(&event);
   if (pressed != nullptr && pressed->id == toolkit::kOk && PointOutFault()) return;
   waits_.InPlugin([&] { dialog_.Handle(event); });

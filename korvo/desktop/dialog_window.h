@@ -53,6 +53,7 @@ class DialogWindow : public QDialog {
   void FocusFirst();
   void ShowCaptions();
   void Send(const toolkit::Event& event);
+  void Handle(const toolkit::Event& event);
   /// Shows the person the first field in use whose control does not hold what is shown, if there is one.
   bool PointOutFault();
   QString SizeKey() const;
@@ -60,6 +61,7 @@ class DialogWindow : public QDialog {
   toolkit::Dialog& dialog_;
   Waits& waits_;
   std::function<void()> ended_;
+  const ControlView::Ways ways_;
   bool showing_ = false;
   QSize given_size_;
   std::vector<std::unique_ptr<ControlView>> views_;  ///< in order of the controls

@@ -12,7 +12,6 @@ namespace korvo {
 
 namespace {
 
-/// Of what is being handled.
 QString Reason() {
   try {
     throw;
@@ -27,12 +26,14 @@ QString Reason() {
 
 }  // namespace
 
-void Edge::TellWhatIsThrown() const noexcept {
+void Edge::Caught() const noexcept {
   try {
-    tell_(QStringLiteral("Das konnte nicht zu Ende geführt werden: ") + Reason());
+    caught_();
   } catch (...) {
     std::fputs("Korvo: Ausnahme in einem Fenster\n", stderr);
   }
 }
+
+QString FailureText() { return QStringLiteral("Das konnte nicht zu Ende geführt werden: ") + Reason(); }
 
 }  // namespace korvo

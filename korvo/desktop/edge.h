@@ -1,19 +1,20 @@
-// The edge between the toolkit and the functions of the window that it calls.
+// The edge between the toolkit and the functions of ours that it calls.
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <functional>
 #include <type_traits>
 #include <utility>
 
 namespace korvo {
 
-/// Nothing may be thrown through the toolkit's loops: what a function of the window throws is told to the person, and
-/// the window goes on. What the plug-in is called for has an edge of its own (Waits::InPlugin).
+/// Nothing may be thrown through the toolkit's loops. The main window tells the person what its functions throw, and
+/// goes on; a dialog ends, and what was thrown is raised behind its loop (Waits::AtEdge).
 class Edge {
  public:
-  /// `tell` shows a text to the person.
-  explicit Edge(std::function<void(const QString&)> tell) : tell_(std::move(tell)) {}
+  /// `caught` is called while what was thrown is handled: `throw;` gives it again.
+  explicit Edge(std::function<void()> caught) : caught_(std::move(caught)) {}
   Edge(const Edge&) = delete;
   Edge& operator=(const Edge&) = delete;
 
@@ -22,7 +23,7 @@ class Edge {
     try {
       work();
     } catch (...) {
-      TellWhatIsThrown();
+      Caught();
     }
   }
 
@@ -39,9 +40,12 @@ class Edge {
   }
 
  private:
-  void TellWhatIsThrown() const noexcept;
+  void Caught() const noexcept;
 
-  std::function<void(const QString&)> tell_;
+  std::function<void()> caught_;
 };
+
+/// What is being handled, for the person.
+QString FailureText();
 
 }  // namespace korvo

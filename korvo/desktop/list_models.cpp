@@ -6,10 +6,13 @@ namespace korvo {
 
 namespace {
 
-QVariant ShownLabel(const std::string& label, int role) {
-  if (role == Qt::DisplayRole) return AsLine(label);
-  if (role == Qt::ToolTipRole) return AsTip(AsLine(label));
-  return {};
+QVariant ShownLabel(const std::string& label, int role, const Edge& edge) {
+  QVariant shown;
+  edge.Run([&] {
+    if (role == Qt::DisplayRole) shown = AsLine(label);
+    if (role == Qt::ToolTipRole) shown = AsTip(AsLine(label));
+  });
+  return shown;
 }
 
 }  // namespace
@@ -28,7 +31,7 @@ int EntryModel::rowCount(const QModelIndex& parent) const {
 QVariant EntryModel::data(const QModelIndex& index, int role) const {
   const auto row = static_cast<std::size_t>(index.row());
   if (row >= list_.entries().size()) return {};
-  return ShownLabel(list_.entries()[row].label, role);
+  return ShownLabel(list_.entries()[row].label, role, edge_);
 }
 
 void RowModel::Refresh() {
@@ -51,7 +54,7 @@ QVariant RowModel::data(const QModelIndex& index, int role) const {
   const auto row = static_cast<std::size_t>(index.row());
   if (row >= list_.rows().size()) return {};
   if (role == Qt::CheckStateRole) return list_.rows()[row].ticked ? Qt::Checked : Qt::Unchecked;
-  return ShownLabel(list_.rows()[row].label, role);
+  return ShownLabel(list_.rows()[row].label, role, edge_);
 }
 
 bool RowModel::setData(const QModelIndex& index, const QVariant& value, int role) {

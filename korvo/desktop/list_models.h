@@ -6,14 +6,16 @@
 #include <functional>
 #include <utility>
 
+#include "korvo/desktop/edge.h"
 #include "toolkit/control.h"
 
 namespace korvo {
 
 class EntryModel : public QAbstractListModel {
  public:
-  /// The list must outlive the model.
-  EntryModel(const toolkit::ChoiceList& list, QObject* parent) : QAbstractListModel(parent), list_(list) {}
+  /// List and edge must outlive the model.
+  EntryModel(const toolkit::ChoiceList& list, const Edge& edge, QObject* parent)
+      : QAbstractListModel(parent), list_(list), edge_(edge) {}
 
   /// Tells the views of entries that have changed since the last call, if any have.
   void Refresh();
@@ -23,6 +25,7 @@ class EntryModel : public QAbstractListModel {
 
  private:
   const toolkit::ChoiceList& list_;
+  const Edge& edge_;
   std::uint64_t shown_ = 0;
 };
 
@@ -30,8 +33,8 @@ class RowModel : public QAbstractListModel {
  public:
   /// What the person does to a tick box goes to `tick`; the model itself changes nothing.
   using Tick = std::function<void(int row, bool on)>;
-  RowModel(const toolkit::TickList& list, QObject* parent, Tick tick)
-      : QAbstractListModel(parent), list_(list), tick_(std::move(tick)) {}
+  RowModel(const toolkit::TickList& list, const Edge& edge, QObject* parent, Tick tick)
+      : QAbstractListModel(parent), list_(list), edge_(edge), tick_(std::move(tick)) {}
 
   /// Tells the views of changes since the last call: of all rows, or of all ticks at once.
   void Refresh();
@@ -43,6 +46,7 @@ class RowModel : public QAbstractListModel {
 
  private:
   const toolkit::TickList& list_;
+  const Edge& edge_;
   Tick tick_;
   std::uint64_t shown_ = 0;
   std::uint64_t shown_ticks_ = 0;

@@ -47,7 +47,7 @@ QString AskForFile(QWidget* parent, const QString& title, const QStringList& fil
 }  // namespace
 
 MainWindow::MainWindow(Waits& waits, std::string library)
-    : waits_(waits), library_(std::move(library)), edge_([this](const QString& text) { project_notice_->Show(text); }) {
+    : waits_(waits), library_(std::move(library)), edge_([this] { project_notice_->Show(FailureText()); }) {
   BuildCentre();
   status_ = new StatusLine;
   setStatusBar(status_);

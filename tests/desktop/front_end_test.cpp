@@ -13,7 +13,10 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTreeView>
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -29,6 +32,20 @@
 #include "tests/desktop/pilot/hands.h"
 #include "tests/support/fault_leaks.h"
 #include "tests/support/temp_folder.h"
+
+namespace {
+
+/// No memory is left for larger pieces.
+std::size_t largest_piece = SIZE_MAX;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  void* const piece = size > largest_piece ? nullptr : std::malloc(size);
+  return piece != nullptr ? piece : throw std::bad_alloc();
+}
+void operator delete(void* piece) noexcept { std::free(piece); }
+void operator delete(void* piece, std::size_t /*size*/) noexcept { std::free(piece); }
 
 namespace {
 
@@ -372,6 +389,37 @@ TEST_F(Windows, FaultOfTheToolkitItselfEndsTheProgram) {
   // What a callback of the host throws is not lost either.
   Then([&](QWidget*) { waits.AtEdge([] { throw std::runtime_error("Karte"); }); });
   EXPECT_THROW(Run(dialog), std::runtime_error);
+}
+
+TEST_F(Windows, WhatTheyThemselvesThrowComesOutBehindTheLoop) {
+  constexpr std::size_t kLeft = 20'000;
+  TextField edit(9001, "Text:");
+  toolkit::Button longer(9002, "Länger"_ansi);
+  edit.text = std::string(kLeft / 2, 'x');
+  PlayedDlg dialog({&edit, &longer});
+  dialog.pressed = [&](toolkit::ControlId) {
+    longer.SetLabel(std::string(2 * kLeft, 'x'));
+    largest_piece = kLeft;
+  };
+  const std::function<void(QWidget*)> kActs[] = {
+      [&](QWidget* window) {
+        auto* const field = pilot::Find<QLineEdit>(*window, 9001);
+        field->deselect();
+        largest_piece = kLeft;
+        QTest::keyClick(field, Qt::Key_X);
+      },
+      [](QWidget* window) { QTest::mouseClick(pilot::Find(*window, 9002), Qt::LeftButton); },
+  };
+  for (const auto& act : kActs) {
+    bool came_back = false;
+    Then([&](QWidget* window) {
+      act(window);
+      largest_piece = SIZE_MAX;
+      came_back = true;
+    });
+    EXPECT_THROW(Run(dialog), std::bad_alloc);
+    EXPECT_TRUE(came_back) << "not through the toolkit";
+  }
 }
 
 TEST_F(Windows, LeavingClosesAllThatIsOpenAndThenTheMenu) {
