@@ -27,6 +27,19 @@ QUALITY = """<qualitaetsangaben>
 </AX_DQPunktort>
 </qualitaetsangaben>
 """
+MODEL = """<modellart>
+<AA_Modellart>
+<advStandardModell>DLKM</advStandardModell>
+</AA_Modellart>
+</modellart>
+"""
+OFFICE = """<zustaendigeStelle>
+<AX_Dienststelle_Schluessel>
+<land>16</land>
+<stelle>0042</stelle>
+</AX_Dienststelle_Schluessel>
+</zustaendigeStelle>
+"""
 MEMBER = """<wfs:Insert>
 <AX_BesondererGebaeudepunkt gml:id="DE_{a:013d}">
 <lebenszeitintervall>
@@ -34,29 +47,13 @@ MEMBER = """<wfs:Insert>
 <beginnt>2026-03-02T09:05:03Z</beginnt>
 </AA_Lebenszeitintervall>
 </lebenszeitintervall>
-<modellart>
-<AA_Modellart>
-<advStandardModell>DLKM</advStandardModell>
-</AA_Modellart>
-</modellart>
-<anlass xlink:title="Sonstiges" xlink:href="https://registry.gdi-de.org/codelist/AA_Anlassart/9999"/>
+""" + MODEL + """<anlass xlink:title="Sonstiges" xlink:href="https://registry.gdi-de.org/codelist/AA_Anlassart/9999"/>
 <punktkennung>32650565{n:07d}</punktkennung>
-<zustaendigeStelle>
-<AX_Dienststelle_Schluessel>
-<land>16</land>
-<stelle>0042</stelle>
-</AX_Dienststelle_Schluessel>
-</zustaendigeStelle>
-</AX_BesondererGebaeudepunkt>
+""" + OFFICE + """</AX_BesondererGebaeudepunkt>
 </wfs:Insert>
 <wfs:Insert>
 <AX_PunktortAG gml:id="DE_{b:013d}">
-<modellart>
-<AA_Modellart>
-<advStandardModell>DLKM</advStandardModell>
-</AA_Modellart>
-</modellart>
-<istTeilVon xlink:href="urn:adv:oid:DE_{a:013d}"/>
+""" + MODEL + """<istTeilVon xlink:href="urn:adv:oid:DE_{a:013d}"/>
 <position>
 <gml:Point srsName="urn:adv:crs:ETRS89_UTM32" gml:id="P{n}">
 <gml:pos>65{c:04d}.{d:03d} 565{c:04d}.{e:03d}</gml:pos>
@@ -188,47 +185,29 @@ def names(file, count, records):
         file.write(b"%d\n" % (100001 + (n * 7919 * 131) % records))
 
 
-# An original file as it is delivered, by class, so that an object and its position objects lie far apart.
-OWNER = """<wfs:member>
-<AX_Grenzpunkt gml:id="%(owner)s">
-<gml:identifier codeSpace="http://www.adv-online.de/">urn:adv:oid:%(owner)s</gml:identifier>
+def head(begin):
+    """What each object begins with."""
+    return """<gml:identifier codeSpace="http://www.adv-online.de/">urn:adv:oid:%(id)s</gml:identifier>
 <lebenszeitintervall>
 <AA_Lebenszeitintervall>
-<beginnt>2012-05-06T07:08:09Z</beginnt>
+<beginnt>""" + begin + """T07:08:09Z</beginnt>
 </AA_Lebenszeitintervall>
 </lebenszeitintervall>
-<modellart>
-<AA_Modellart>
-<advStandardModell>DLKM</advStandardModell>
-</AA_Modellart>
-</modellart>
-<anlass xlink:href="https://registry.gdi-de.org/codelist/de.adv-online.gid/AA_Anlassart/000000" xlink:title="Ersteinrichtung"/>
-<punktkennung>32650565%(n)07d</punktkennung>
-<zustaendigeStelle>
-<AX_Dienststelle_Schluessel>
-<land>16</land>
-<stelle>0042</stelle>
-</AX_Dienststelle_Schluessel>
-</zustaendigeStelle>
-<abmarkung_Marke>1110</abmarkung_Marke>
+""" + MODEL + """<anlass xlink:href="https://registry.gdi-de.org/codelist/de.adv-online.gid/AA_Anlassart/000000" xlink:title="Ersteinrichtung"/>
+"""
+
+
+# An original file as it is delivered, by class, so that an object and its position objects lie far apart.
+OWNER = """<wfs:member>
+<AX_Grenzpunkt gml:id="%(id)s">
+""" + head("2012-05-06") + """<punktkennung>32650565%(n)07d</punktkennung>
+""" + OFFICE + """<abmarkung_Marke>1110</abmarkung_Marke>
 </AX_Grenzpunkt>
 </wfs:member>
 """
 POSITION = """<wfs:member>
 <AX_Punktort%(kind)s gml:id="%(id)s">
-<gml:identifier codeSpace="http://www.adv-online.de/">urn:adv:oid:%(id)s</gml:identifier>
-<lebenszeitintervall>
-<AA_Lebenszeitintervall>
-<beginnt>2014-05-06T07:08:09Z</beginnt>
-</AA_Lebenszeitintervall>
-</lebenszeitintervall>
-<modellart>
-<AA_Modellart>
-<advStandardModell>DLKM</advStandardModell>
-</AA_Modellart>
-</modellart>
-<anlass xlink:href="https://registry.gdi-de.org/codelist/de.adv-online.gid/AA_Anlassart/000000" xlink:title="Ersteinrichtung"/>
-<istTeilVon xlink:href="urn:adv:oid:%(owner)s"/>
+""" + head("2014-05-06") + """<istTeilVon xlink:href="urn:adv:oid:%(owner)s"/>
 <position>
 <gml:Point srsName="urn:adv:crs:ETRS89_UTM32" gml:id="O%(n)d.%(k)d">
 <gml:pos>650%(n)06d.123 5651%(k)03d.456</gml:pos>
@@ -256,7 +235,7 @@ def original(file, megabytes):
     points = POINTS_OF_MB * megabytes
     file.write(ROOT.replace("Fortfuehrungsauftrag", "Bestandsdatenauszug").encode())
     for first in range(0, points, 100):
-        file.write("".join([OWNER % {"owner": gml_id(n, 0), "n": n} for n in range(first, first + 100)]).encode())
+        file.write("".join([OWNER % {"id": gml_id(n, 0), "n": n} for n in range(first, first + 100)]).encode())
     for first in range(0, points, 100):
         file.write("".join([position(n, k) for n in range(first, first + 100) for k in range(1, 2 + n % 3)]).encode())
     file.write(b"</AX_Bestandsdatenauszug>\n")
