@@ -77,7 +77,7 @@ const char* DialogHelp() {
          "haken 7012 an      Kästchen setzen (aus: leeren)\n"
          "haken 7000 1-5,8 an   Zeilen einer Liste; auch \"4711\" für die Zeile dieses Namens\n"
          "zeile 7000 3       Zeile auswählen (-: keine)\n"
-         "datum 7020 2.3.2016   Tag setzen (heute, an, aus)\n"
+         "datum 7020 2.3.2016   Tag setzen (auch: heute)\n"
          "seite 7050 2       Seite aufschlagen\n"
          "zeige [7000 [11 [20]]]   das Fenster, ein Element, eine Liste ab Zeile 11\n"
          "erwarte Text       die nächste Meldung muss diesen Text enthalten (für Skripte)\n"_ansi;
@@ -214,13 +214,9 @@ void DialogCommands::SelectRow(toolkit::ControlId id, std::string_view row) {
 }
 
 void DialogCommands::SetDay(toolkit::ControlId id, std::string_view day) {
-  const auto* field = As<toolkit::DateField>(dialog_, id, Kind::kDate);
-  const platform::CivilTime held = field != nullptr ? field->day : platform::CivilTime{};
-  if (day == "aus") return Send(id, toolkit::DaySet{id, false, held});
-  if (IsOn(day)) return Send(id, toolkit::DaySet{id, true, held});
   const std::optional<platform::CivilTime> meant = day == "heute" ? clock_.ToLocal(clock_.Now()) : ToDay(day);
-  if (!meant) return terminal_.Refuse("Ein Tag schreibt sich TT.MM.JJJJ, oder: heute, an, aus."_ansi);
-  Send(id, toolkit::DaySet{id, true, *meant});
+  if (!meant) return terminal_.Refuse("Ein Tag schreibt sich TT.MM.JJJJ, oder: heute."_ansi);
+  Send(id, toolkit::DaySet{id, *meant});
 }
 
 void DialogCommands::TurnPage(std::string_view rest) {

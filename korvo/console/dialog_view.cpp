@@ -116,8 +116,7 @@ std::vector<std::string> DialogView::Render(const toolkit::Control& control) {
     }
     case Kind::kDate: {
       const auto& date = static_cast<const toolkit::DateField&>(control);
-      const char* box = !date.can_be_off ? "" : date.on ? "[x] " : "[ ] ";
-      lines.push_back(named + box + DayText(date.day) + State(control));
+      lines.push_back(named + DayText(date.day) + State(control));
       break;
     }
     case Kind::kChoice: {

@@ -285,14 +285,6 @@ class DateView : public ControlView {
     SetWidget(box_);
     auto* row = new QHBoxLayout(box_);
     row->setContentsMargins(0, 0, 0, 0);
-    if (field.can_be_off) {
-      on_ = new QCheckBox(box_);
-      on_->setObjectName(box_->objectName() + QStringLiteral(".an"));
-      row->addWidget(on_);
-      ways.edge.Connect(on_, &QCheckBox::clicked, box_, [this](bool on) {
-        ways_.send(toolkit::DaySet{field_.id(), on, field_.day});
-      });
-    }
     edit_ = new QLineEdit(box_);
     edit_->setObjectName(box_->objectName());
     edit_->setPlaceholderText(QStringLiteral("TT.MM.JJJJ"));
@@ -306,7 +298,7 @@ class DateView : public ControlView {
     row->addStretch(1);
     plain_ = edit_->palette();
     box_->setObjectName(edit_->objectName() + QStringLiteral(".feld"));
-    box_->setFocusProxy(on_ != nullptr ? static_cast<QWidget*>(on_) : edit_);
+    box_->setFocusProxy(edit_);
     AddLabel(parent);
     // A year of fewer digits may still grow.
     ways.edge.Connect(edit_, &QLineEdit::textEdited, box_, [this](const QString& text) {
@@ -315,10 +307,8 @@ class DateView : public ControlView {
     });
     ways.edge.Connect(edit_, &QLineEdit::editingFinished, box_, [this] { Leave(); });
   }
-  std::vector<QWidget*> Stops() const override {
-    return on_ != nullptr ? std::vector<QWidget*>{on_, edit_, open_} : std::vector<QWidget*>{edit_, open_};
-  }
-  bool IsHeld() const override { return !edit_->isEnabled() || !edit_->isModified() || TypedDay(); }
+  std::vector<QWidget*> Stops() const override { return {edit_, open_}; }
+  bool IsHeld() const override { return !field_.Counts() || !edit_->isModified() || TypedDay(); }
   void PointOut() override {
     Mark(true);
     edit_->setFocus();
@@ -327,11 +317,9 @@ class DateView : public ControlView {
 
  protected:
   void ShowContents() override {
-    if (on_ != nullptr) on_->setChecked(field_.on);
-    edit_->setEnabled(field_.on);
-    open_->setEnabled(field_.on);
     // What the person types stands until a rule sets another day.
-    if (!field_.on || !edit_->isModified() || !SameDay(field_.day, shown_)) ShowDay();
+    if (!edit_->isModified() || !SameDay(field_.day, shown_)) ShowDay();
+    if (IsHeld()) Mark(false);
   }
 
  private:
@@ -357,21 +345,17 @@ class DateView : public ControlView {
     const std::optional<platform::CivilTime> typed = TypedDay();
     if (!typed || SameDay(*typed, field_.day)) return;
     shown_ = *typed;
-    ways_.send(toolkit::DaySet{field_.id(), true, *typed});
+    ways_.send(toolkit::DaySet{field_.id(), *typed});
   }
 
   void Leave() {
     if (!edit_->isModified()) return;
-    if (field_.can_be_off && edit_->text().trimmed().isEmpty()) {
-      // Left by Enter: else the keyboard would go on to a button, which Enter would then press.
-      if (edit_->hasFocus()) on_->setFocus();
-      return ways_.send(toolkit::DaySet{field_.id(), false, field_.day});
-    }
     Tell();
-    IsHeld() ? ShowDay() : Mark(true);
+    TypedDay() ? ShowDay() : Mark(!IsHeld());
   }
 
   void Mark(bool wrong) {
+    if (wrong != fault_->isHidden()) return;
     QPalette palette = plain_;
     if (wrong) {
       palette.setColor(QPalette::Base, kFaultBase);
@@ -402,7 +386,7 @@ class DateView : public ControlView {
     });
     const auto take = [this, menu](const QDate& day) {
       menu->close();
-      ways_.send(toolkit::DaySet{field_.id(), true, {day.year(), day.month(), day.day(), 0, 0, 0}});
+      ways_.send(toolkit::DaySet{field_.id(), {day.year(), day.month(), day.day(), 0, 0, 0}});
       ShowDay();
     };
     ways_.edge.Connect(calendar, &QCalendarWidget::clicked, box_, take);
@@ -414,7 +398,6 @@ class DateView : public ControlView {
   QWidget* box_;
   QLineEdit* edit_ = nullptr;
   QToolButton* open_ = nullptr;
-  QCheckBox* on_ = nullptr;
   QLabel* fault_ = nullptr;
   QPalette plain_;
   platform::CivilTime shown_;  ///< the day of the control that the text stands for, or was typed over

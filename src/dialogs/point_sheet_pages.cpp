@@ -98,7 +98,7 @@ TlbPktAusW2::TlbPktAusW2()
       her(7044, "Herkunft", /*sorted=*/true),
       gst(7038, "Genauigkeitsstufe ( GST ) ", /*sorted=*/true),
       has_day(7030, "Prüfdatum"_ansi),
-      day(7027, "", /*may_be_off=*/false),
+      day(7027, "", &has_day),
       gid(7059, "GID: ") {
   Place(TabWerte::kPosition, {&vtw, &lzv, &hin, &explain, &kst, &her, &gst, &has_day, &day, &gid.field});
   explain.beside = day.beside = true;

@@ -83,14 +83,16 @@ class RadioGroup : public Control {
   int chosen = -1;
 };
 
-/// A day; with `can_be_off` it has a box that says whether it counts.
+/// A day. With a box of the dialog that belongs to it, the day counts only while that is ticked.
 class DateField : public Control {
  public:
-  DateField(ControlId id, std::string label, bool may_be_off)
-      : Control(Kind::kDate, id, std::move(label)), can_be_off(may_be_off) {}
-  bool can_be_off;
-  bool on = true;
+  DateField(ControlId id, std::string label, const TickBox* box = nullptr)
+      : Control(Kind::kDate, id, std::move(label)), box_(box) {}
+  bool Counts() const { return box_ == nullptr || box_->ticked; }
   platform::CivilTime day;  ///< year, month and day count
+
+ private:
+  const TickBox* box_;
 };
 
 /// A list of entries of which one at most is selected. An entry has a label and a value, a number or a text.

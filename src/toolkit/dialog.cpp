@@ -75,13 +75,7 @@ Answer Change(RadioGroup& group, const OptionChosen& event) {
 }
 
 Answer Change(DateField& field, const DaySet& event) {
-  // A field that is switched off keeps its day.
-  if (!event.on && field.can_be_off) {
-    field.on = false;
-    return Answer::kTaken;
-  }
   if (!IsDay(event.day)) return Answer::kNoSuchEntry;
-  field.on = true;
   field.day = event.day;
   return Answer::kTaken;
 }

@@ -32,7 +32,6 @@ struct OptionChosen {
 };
 struct DaySet {
   ControlId id;
-  bool on;
   platform::CivilTime day;
 };
 struct EntrySelected {

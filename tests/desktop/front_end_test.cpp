@@ -91,7 +91,7 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
   TextField line(9002, "", TextField::Form::kReadOnly);
   TextField lines(9003, "Zeilen:", TextField::Form::kReadOnlyLines);
   toolkit::Button search(9004, "Suchen && mehr");
-  toolkit::DateField day(9005, "Tag:", true);
+  toolkit::DateField day(9005, "Tag:");
   toolkit::RadioGroup group(9007, "Gruppe", {"A", "B", "C"}, {9008, 9009, 9010});
   toolkit::TextField off(9006, "Gesperrt:");
   toolkit::Button ok(toolkit::kOk, "OK");
@@ -133,8 +133,8 @@ TEST_F(Windows, ShowTextsAsTheyAreAndGiveKeysToAll) {
       order += at->objectName().toStdString() + " ";
       QTest::keyClick(at, Qt::Key_Tab);
     }
-    EXPECT_EQ(order, "9001 9003 9009 9004 9005.an 9005 ");
-    EXPECT_EQ(pilot::Do(static_cast<korvo::DialogWindow&>(*window), toolkit::DaySet{9005, true, {2024, 2, 29}}),
+    EXPECT_EQ(order, "9001 9003 9009 9004 9005 9005.kalender ");
+    EXPECT_EQ(pilot::Do(static_cast<korvo::DialogWindow&>(*window), toolkit::DaySet{9005, {2024, 2, 29}}),
               toolkit::Answer::kTaken);
     EXPECT_EQ((std::vector{day.day.year, day.day.month, day.day.day}), (std::vector{2024, 2, 29}));
     field->setFocus();
@@ -241,26 +241,30 @@ TEST_F(Windows, AreWorkedByTheKeyboardAlone) {
 TEST_F(Windows, ConfirmNoTextThatIsNoDay) {
   const struct {
     const char* typed;
-    bool may_be_off, by_enter;
+    bool has_box, is_ticked, by_enter;
     const char *shown, *holds;
     bool goes;  ///< whether the window can be confirmed
   } kCases[] = {
-      {"29.2.24", false, false, "29.02.2024", "29.02.2024 an", true},
-      {"31.02.2024", false, false, "31.02.2024", "23.11.2026 an", false},
-      {"31.02.2024", true, true, "31.02.2024", "23.11.2026 an", false},
-      {"", false, false, "", "23.11.2026 an", false},
-      {"", true, true, "23.11.2026", "23.11.2026 aus", true},
+      {"29.2.24", false, false, false, "29.02.2024", "29.02.2024", true},
+      {"29.2.24", true, false, true, "29.02.2024", "29.02.2024", true},
+      {"31.02.2024", false, false, false, "31.02.2024", "23.11.2026", false},
+      {"31.02.2024", true, true, true, "31.02.2024", "23.11.2026", false},
+      {"", true, true, false, "", "23.11.2026", false},
+      {"", true, false, true, "", "23.11.2026", true},
+      {"31.02.2024", true, false, false, "31.02.2024", "23.11.2026", true},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(&c - kCases);
     toolkit::Pages pages(9001, {"Objekt", "Ort"});
-    toolkit::DateField day(9002, "Tag:", c.may_be_off);
+    toolkit::TickBox box(9004, "Zählt");
+    toolkit::DateField day(9002, "Tag:", c.has_box ? &box : nullptr);
+    box.ticked = c.is_ticked;
     toolkit::Button change(9003, "Ander");
     toolkit::Button ok(toolkit::kOk, "OK");
     day.pages_id = 9001;
     day.page = 1;
     day.day = {2026, 11, 23};
-    PlayedDlg dialog({&pages, &day, &change, &ok});
+    PlayedDlg dialog({&pages, &box, &day, &change, &ok});
     std::string pressed;
     dialog.pressed = [&](toolkit::ControlId id) {
       pressed += std::to_string(id);
@@ -285,7 +289,7 @@ TEST_F(Windows, ConfirmNoTextThatIsNoDay) {
       c.by_enter ? QTest::keyClick(edit, Qt::Key_Return) : QTest::mouseClick(pilot::Find(*window, 1), Qt::LeftButton);
       EXPECT_EQ(pressed, c.goes ? "1" : "");
       EXPECT_EQ(edit->text(), QString::fromUtf8(c.shown));
-      EXPECT_EQ(korvo::DayText(day.day) + (day.on ? " an" : " aus"), c.holds);
+      EXPECT_EQ(korvo::DayText(day.day), c.holds);
       EXPECT_TRUE(c.goes || (window->focusWidget() == edit && fault->isVisible()));
       if (!c.goes) {
         QTest::mouseClick(pilot::Find(*window, 9003), Qt::LeftButton);

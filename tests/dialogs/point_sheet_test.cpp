@@ -247,7 +247,8 @@ TEST_F(PointSheet, CheckDateAndReliabilityComeBackAsTheyWere) {
       EXPECT_EQ(At<toolkit::ChoiceList>(dialog, kLzv).selected(), c.row);
       Turn(dialog, 1);
       dialog.Handle(toolkit::BoxTicked{kHasDay, c.tick});
-      if (c.year != 0) dialog.Handle(toolkit::DaySet{kDay, true, {.year = c.year, .month = 7, .day = 1, .hour = 5}});
+      EXPECT_EQ(At<toolkit::DateField>(dialog, kDay).Counts(), c.tick);
+      if (c.year != 0) dialog.Handle(toolkit::DaySet{kDay, {.year = c.year, .month = 7, .day = 1, .hour = 5}});
       Choose(dialog, kTypes, 0);
       Ok(dialog);
     });

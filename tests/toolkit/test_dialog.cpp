@@ -36,8 +36,8 @@ TEST(ChoiceList, SortsAsAGermanReaderExpectsAndKeepsTheSelection) {
 class Sample : public Dialog {
  public:
   Sample() : Dialog(1, "Probe") {
-    for (Control* control : std::initializer_list<Control*>{&edit, &button, &box, &options, &day, &day_off, &choice,
-                                                            &rows, &pages, &on_first, &on_second}) {
+    for (Control* control : std::initializer_list<Control*>{&edit, &button, &box, &options, &day, &choice, &rows,
+                                                            &pages, &on_first, &on_second}) {
       Add(control);
     }
     choice.Add({"a", 1, ""});
@@ -50,7 +50,7 @@ class Sample : public Dialog {
   Button button{13, ""};
   TickBox box{14, ""};
   RadioGroup options{15, "", {"x", "y"}, {151, 152}};
-  DateField day{16, "", false}, day_off{17, "", true};
+  DateField day{16, ""};
   ChoiceList choice{18, "", false};
   TickList rows{19, ""};
   Pages pages{20, {"eins", "zwei"}};
@@ -70,26 +70,25 @@ class Sample : public Dialog {
 };
 
 TEST(Dialog, AnswersEachEventAndRunsTheRuleOnlyForWhatItTook) {
-  const char* const untouched = "alt|0 0 1 1 1 0 0 -1 0";
+  const char* const untouched = "alt|0 0 1 0 0 -1 0";
   const struct {
     Event event;
     Answer answer;
     const char *rules, *held;
   } kCases[] = {
-      {Typed{10, "erste\r\nzweite"}, Answer::kTaken, "changed 10", "erste|0 0 1 1 1 0 0 -1 0"},
+      {Typed{10, "erste\r\nzweite"}, Answer::kTaken, "changed 10", "erste|0 0 1 0 0 -1 0"},
       {Pressed{13}, Answer::kTaken, "pressed 13", untouched},
       {Closed{}, Answer::kTaken, "pressed 2", untouched},
-      {Pressed{152}, Answer::kTaken, "changed 15", "alt|0 1 1 1 1 0 0 -1 0"},
+      {Pressed{152}, Answer::kTaken, "changed 15", "alt|0 1 1 0 0 -1 0"},
       {OptionChosen{15, 2}, Answer::kNoSuchEntry, "", untouched},
-      {DaySet{16, false, {2024, 2, 29}}, Answer::kTaken, "changed 16", "alt|0 0 29 1 1 0 0 -1 0"},
-      {DaySet{16, true, {2023, 2, 29}}, Answer::kNoSuchEntry, "", untouched},
-      {DaySet{17, false, {0, 0, 0}}, Answer::kTaken, "changed 17", "alt|0 0 1 0 1 0 0 -1 0"},
-      {EntrySelected{18, -1}, Answer::kTaken, "changed 18", "alt|0 0 1 1 1 -1 0 -1 0"},
+      {DaySet{16, {2024, 2, 29}}, Answer::kTaken, "changed 16", "alt|0 0 29 0 0 -1 0"},
+      {DaySet{16, {2023, 2, 29}}, Answer::kNoSuchEntry, "", untouched},
+      {EntrySelected{18, -1}, Answer::kTaken, "changed 18", "alt|0 0 1 -1 0 -1 0"},
       {EntrySelected{18, 1}, Answer::kNoSuchEntry, "", untouched},
-      {RowTicked{19, 0, true}, Answer::kTaken, "changed 19", "alt|0 0 1 1 1 0 1 -1 0"},
+      {RowTicked{19, 0, true}, Answer::kTaken, "changed 19", "alt|0 0 1 0 1 -1 0"},
       {RowTicked{19, -1, true}, Answer::kNoSuchEntry, "", untouched},
-      {RowSelected{19, 0}, Answer::kTaken, "row 19", "alt|0 0 1 1 1 0 0 0 0"},
-      {PageTurned{20, 1}, Answer::kTaken, "changed 20", "alt|0 0 1 1 1 0 0 -1 1"},
+      {RowSelected{19, 0}, Answer::kTaken, "row 19", "alt|0 0 1 0 0 0 0"},
+      {PageTurned{20, 1}, Answer::kTaken, "changed 20", "alt|0 0 1 0 0 -1 1"},
       {PageTurned{20, 2}, Answer::kNoSuchEntry, "", untouched},
   };
   for (const auto& c : kCases) {
@@ -99,15 +98,14 @@ TEST(Dialog, AnswersEachEventAndRunsTheRuleOnlyForWhatItTook) {
     s.Handle(Opened{});
     s.rules.clear();
     s.edit.text = "alt";
-    s.day.day = s.day_off.day = {2016, 3, 1};
+    s.day.day = {2016, 3, 1};
     s.options.chosen = 0;
     s.choice.Select(0);
     EXPECT_EQ(s.Handle(c.event), c.answer);
     EXPECT_EQ(s.rules, c.rules);
     std::ostringstream held;
-    held << s.edit.text << "|" << s.box.ticked << " " << s.options.chosen << " " << s.day.day.day << " " << s.day_off.on
-         << " " << s.day_off.day.day << " " << s.choice.selected() << " " << s.rows.rows()[0].ticked << " "
-         << s.rows.selected << " " << s.pages.current;
+    held << s.edit.text << "|" << s.box.ticked << " " << s.options.chosen << " " << s.day.day.day << " "
+         << s.choice.selected() << " " << s.rows.rows()[0].ticked << " " << s.rows.selected << " " << s.pages.current;
     EXPECT_EQ(held.str(), c.held);
   }
   Sample s;

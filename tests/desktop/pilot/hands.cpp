@@ -65,12 +65,6 @@ Answer Tick(QListView* list, int row, bool on) {
   return Answer::kTaken;
 }
 
-Answer SetDay(QWidget* window, QLineEdit* edit, const toolkit::DaySet& event) {
-  auto* box = window->findChild<QAbstractButton*>(edit->objectName() + QStringLiteral(".an"));
-  if (box != nullptr && box->isChecked() != event.on) Press(box);
-  return event.on ? Do(edit, korvo::DayText(event.day)) : Answer::kTaken;
-}
-
 template <class C>
 const C& As(const toolkit::Control& control) {
   return static_cast<const C&>(control);
@@ -163,7 +157,7 @@ Answer Do(korvo::DialogWindow& window, const toolkit::Event& event) {
             Press(option);
             return Answer::kTaken;
           } else if constexpr (std::is_same_v<E, toolkit::DaySet>) {
-            if (auto* edit = qobject_cast<QLineEdit*>(widget)) return SetDay(&window, edit, e);
+            if (auto* edit = qobject_cast<QLineEdit*>(widget)) return Do(edit, korvo::DayText(e.day));
           } else if constexpr (std::is_same_v<E, toolkit::EntrySelected>) {
             if (auto* box = qobject_cast<QComboBox*>(widget)) return Choose(box, e.position);
           } else if constexpr (std::is_same_v<E, toolkit::RowTicked>) {
