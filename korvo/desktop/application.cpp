@@ -3,9 +3,23 @@
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QProxyStyle>
 #include <QTranslator>
 
 namespace korvo {
+
+namespace {
+
+/// The machine's own style, but for drop-down lists: one that opens like a menu covers the whole screen.
+class Style : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* more) const override {
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, more);
+  }
+};
+
+}  // namespace
 
 void SetUpApplication(QApplication& application) {
   const QLocale german(QLocale::German, QLocale::Germany);
@@ -15,6 +29,7 @@ void SetUpApplication(QApplication& application) {
                        QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QApplication::installTranslator(translator);
   }
+  QApplication::setStyle(new Style);
   QApplication::setApplicationName(QStringLiteral("Korvo"));
   QApplication::setQuitOnLastWindowClosed(false);
 }
