@@ -1,5 +1,7 @@
 #include "korvo/desktop/shell.h"
 
+#include <QApplication>
+#include <QWidget>
 #include <cstdio>
 #include <utility>
 
@@ -24,7 +26,12 @@ Waits::Waits() {
   soon_.setSingleShot(true);
   soon_.setInterval(0);
   QObject::connect(&soon_, &QTimer::timeout, &soon_, [this] {
-    if (leaving_ && !open_.empty()) open_.back()->cancel_();
+    if (!leaving_ || open_.empty()) return;
+    QWidget* const popup = QApplication::activePopupWidget();
+    if (popup == nullptr) return open_.back()->cancel_();
+    // It may run a loop of its own, which has to end before those below it.
+    popup->close();
+    soon_.start();
   });
 }
 
