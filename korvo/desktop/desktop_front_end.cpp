@@ -13,6 +13,7 @@
 #include "base/text.h"
 #include "entry/host/host.h"
 #include "korvo/desktop/dialog_window.h"
+#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/picker.h"
 #include "korvo/desktop/text.h"
 #include "korvo/host/points.h"
@@ -110,9 +111,11 @@ class Box : public QMessageBox {
 }  // namespace
 
 DesktopFrontEnd::DesktopFrontEnd(Shell& shell, Waits& waits, const platform::Clock& clock)
-    : shell_(shell), waits_(waits), clock_(clock), guard_(*shell.Widget()) {}
+    : shell_(shell), waits_(waits), clock_(clock), guard_(shell.Guard()) {}
 
 DesktopFrontEnd::~DesktopFrontEnd() = default;
+
+QDialog* DesktopFrontEnd::front() const { return guard_.front(); }
 
 int DesktopFrontEnd::ChooseFromMenu(const Menu& menu) { return waits_.WaitForChoice(shell_, menu); }
 
@@ -216,18 +219,9 @@ bool DesktopFrontEnd::RunPicker(Picker* picker, bool ask_before_overwrite, std::
     waits_.AtEdge([&] { taken = CanTell(chosen) && (!ask_before_overwrite || MayOverwrite(chosen)); });
     return taken;
   };
-  Waits::Wait wait(waits_, [&] {
-    guard_.CloseAbove(*picker);
-    picker->reject();
-  });
-  QObject::connect(picker, &QDialog::finished, picker, [&] { wait.Stop(); });
-  const ModalGuard::Hold hold(guard_, *picker);
-  picker->show();
-  wait.Run();
-  if (picker->result() != QDialog::Accepted) return false;
-  const QString chosen = picker->selectedFiles().value(0);
+  const QString chosen = picker->Ask(waits_, guard_);
+  if (chosen.isEmpty()) return false;
   *path = path::FromDisk(chosen.toStdString()).value();
-  Picker::Remember(chosen);
   return true;
 }
 

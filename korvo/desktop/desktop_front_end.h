@@ -6,15 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/shell.h"
 #include "korvo/host/front_end.h"
 
+class QDialog;
 class QWidget;
 
 namespace korvo {
 
 class DialogWindow;
+class ModalGuard;
 class Picker;
 
 class DesktopFrontEnd : public FrontEnd {
@@ -37,7 +38,7 @@ class DesktopFrontEnd : public FrontEnd {
   const platform::Clock& Clock() override { return clock_; }
 
   /// The window that the person has to answer; null for none.
-  QDialog* front() const { return guard_.front(); }
+  QDialog* front() const;
 
  private:
   /// The widget above which something opens: the one in front, else the window that was asked for.
@@ -55,7 +56,7 @@ class DesktopFrontEnd : public FrontEnd {
   Shell& shell_;
   Waits& waits_;
   const platform::Clock& clock_;
-  ModalGuard guard_;
+  ModalGuard& guard_;
   std::vector<DialogWindow*> windows_;  ///< open dialogs, the innermost last
   QString saved_path_;
   QDateTime saved_before_;  ///< when the file was last written before the picker; not valid where it was not there

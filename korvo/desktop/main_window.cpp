@@ -36,18 +36,13 @@ namespace {
 constexpr int kMessageTime = 8000;
 constexpr const char* kCommands = "PKTAUMEN";
 
-/// An existing file; empty where the person picks none.
-QString AskForFile(QWidget* parent, const QString& title, const QStringList& filters) {
-  Picker picker(parent, title);
-  picker.setFileMode(QFileDialog::ExistingFile);
-  picker.setNameFilters(filters);
-  return picker.Ask();
-}
-
 }  // namespace
 
 MainWindow::MainWindow(Waits& waits, std::string library)
-    : waits_(waits), library_(std::move(library)), edge_([this] { project_notice_->Show(FailureText()); }) {
+    : waits_(waits),
+      library_(std::move(library)),
+      edge_([this] { project_notice_->Show(FailureText()); }),
+      guard_(*this) {
   BuildCentre();
   status_ = new StatusLine;
   setStatusBar(status_);
@@ -252,14 +247,27 @@ void MainWindow::ReadPoints() {
   status_->ShowCounts(points_);
 }
 
+QString MainWindow::Ask(Picker* picker) {
+  QString picked = picker->Ask(waits_, guard_);
+  if (waits_.Left()) close();
+  return picked;
+}
+
+QString MainWindow::AskForFile(const QString& title, const QStringList& filters) {
+  Picker picker(this, title);
+  picker.setFileMode(QFileDialog::ExistingFile);
+  picker.setNameFilters(filters);
+  return Ask(&picker);
+}
+
 void MainWindow::AskForProject() {
-  const QString path = AskForFile(this, QStringLiteral("Punkttabelle eines Projekts öffnen"),
-                                  {QStringLiteral("Punkttabelle (*.dbf *.DBF)")});
+  const QString path =
+      AskForFile(QStringLiteral("Punkttabelle eines Projekts öffnen"), {QStringLiteral("Punkttabelle (*.dbf *.DBF)")});
   if (!path.isEmpty()) Open(path);
 }
 
 void MainWindow::AskForNas() {
-  const QString path = AskForFile(this, QStringLiteral("NAS-Datei ansehen"),
+  const QString path = AskForFile(QStringLiteral("NAS-Datei ansehen"),
                                   {QStringLiteral("NAS-Datei (*.xml *.XML)"), QStringLiteral("Alle Dateien (*)")});
   if (!path.isEmpty()) OpenNas(path);
 }
@@ -295,7 +303,7 @@ void MainWindow::SaveMap() {
   edge_.Connect(&picker, &QFileDialog::filterSelected, &picker, [&picker](const QString& filter) {
     picker.setDefaultSuffix(filter.startsWith(QLatin1String("PDF")) ? QStringLiteral("pdf") : QStringLiteral("png"));
   });
-  const QString path = picker.Ask();
+  const QString path = Ask(&picker);
   if (path.isEmpty()) return;
   const QString title = FromAnsi(ProjectName());
   const bool pdf = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
@@ -410,10 +418,7 @@ void MainWindow::FileSaved(const QString& path) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (waits_.plugin_runs()) {
-    waits_.Leave();
-    return event->ignore();
-  }
+  if (waits_.Leave()) return event->ignore();
   QSettings remembered = Remembered();
   remembered.setValue(QStringLiteral("window/geometry"), saveGeometry());
   remembered.setValue(QStringLiteral("window/splitter"), splitter_->saveState());

@@ -10,6 +10,7 @@
 
 #include "korvo/desktop/edge.h"
 #include "korvo/desktop/map_view.h"
+#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/point_set.h"
 #include "korvo/desktop/shell.h"
 
@@ -21,6 +22,7 @@ class CommandBar;
 class FindBar;
 class NasWindow;
 class NoticeBar;
+class Picker;
 class PointTableView;
 class RecentMenu;
 class StatusLine;
@@ -49,6 +51,7 @@ class MainWindow : public QMainWindow, public Shell {
   const Edge& edge() const { return edge_; }
 
   QWidget* Widget() override { return this; }
+  ModalGuard& Guard() override { return guard_; }
   void ShowMenu(const Menu& menu) override;
   void HideMenu() override;
   void BeginPick() override;
@@ -75,6 +78,9 @@ class MainWindow : public QMainWindow, public Shell {
   void ReadPoints();
   void ShowProject(QString note);
 
+  /// What the person picks; empty for nothing.
+  QString Ask(Picker* picker);
+  QString AskForFile(const QString& title, const QStringList& filters);
   void AskForProject();
   void AskForNas();
   void SaveMap();
@@ -89,6 +95,7 @@ class MainWindow : public QMainWindow, public Shell {
   Waits& waits_;
   std::string library_;
   Edge edge_;
+  ModalGuard guard_;
   PointSet points_;
   QString opened_;   ///< what the person named
   QString why_not_;  ///< why the plug-in cannot be started; empty where it can

@@ -1,4 +1,4 @@
-// Keeps the person in the innermost open window of the plug-in.
+// Keeps the person in the innermost window that waits for an answer.
 #pragma once
 
 #include <QObject>

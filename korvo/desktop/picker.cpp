@@ -9,7 +9,9 @@
 #include <QTreeView>
 
 #include "base/path.h"
+#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/settings.h"
+#include "korvo/desktop/shell.h"
 #include "korvo/host/project.h"
 
 namespace korvo {
@@ -73,8 +75,16 @@ Picker::Picker(QWidget* parent, const QString& title) : QFileDialog(parent, titl
 
 Picker::~Picker() { KeepSize(*this, SizeKey()); }
 
-QString Picker::Ask() {
-  if (exec() != Accepted) return {};
+QString Picker::Ask(Waits& waits, ModalGuard& guard) {
+  Waits::Wait wait(waits, [&] {
+    guard.CloseAbove(*this);
+    reject();
+  });
+  connect(this, &QDialog::finished, this, [&] { wait.Stop(); });
+  const ModalGuard::Hold hold(guard, *this);
+  show();
+  wait.Run();
+  if (result() != Accepted) return {};
   QString picked = selectedFiles().value(0);
   Remember(picked);
   return picked;

@@ -9,6 +9,9 @@ class QFileIconProvider;
 
 namespace korvo {
 
+class ModalGuard;
+class Waits;
+
 /// What a picker needs longer than its base class lives.
 struct PickerIcons {
   PickerIcons();
@@ -25,8 +28,8 @@ class Picker : private PickerIcons, public QFileDialog {
   /// Whether it takes what is chosen, where it is not to take all; it stays open where not.
   std::function<bool(const QString& chosen)> takes;
 
-  /// What the person picks; empty for nothing.
-  QString Ask();
+  /// What the person picks; empty for nothing. Until then the guard keeps the person here.
+  QString Ask(Waits& waits, ModalGuard& guard);
   /// The next picker begins there.
   static void Remember(const QString& picked);
 

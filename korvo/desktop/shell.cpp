@@ -63,9 +63,11 @@ bool Waits::RunPlugin(const std::function<void()>& plugin) {
   if (plugin_runs_) return false;
   plugin_runs_ = true;
   leaving_ = false;
-  const AtEnd ended([this] { plugin_runs_ = false; });
-  plugin();
-  return std::exchange(leaving_, false);
+  {
+    const AtEnd ended([this] { plugin_runs_ = false; });
+    plugin();
+  }
+  return Left();
 }
 
 void Waits::Choose(int number) {
@@ -80,11 +82,14 @@ void Waits::Pick(std::int32_t record) {
   pick_->Stop();
 }
 
-void Waits::Leave() {
-  if (!plugin_runs_) return;
+bool Waits::Leave() {
+  if (!plugin_runs_ && open_.empty()) return false;
   leaving_ = true;
   soon_.start();
+  return true;
 }
+
+bool Waits::Left() { return !plugin_runs_ && open_.empty() && std::exchange(leaving_, false); }
 
 int Waits::WaitForChoice(Shell& shell, const Menu& menu) {
   Wait wait(*this, [this] { Choose(0); });

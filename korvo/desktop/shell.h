@@ -16,12 +16,16 @@ class QWidget;
 
 namespace korvo {
 
+class ModalGuard;
+
 /// The main window as the front end sees it. All calls come on the one thread, and none of them waits.
 class Shell {
  public:
   virtual ~Shell() = default;
   /// The top-level widget: boxes and dialogs stand above it, and its title is the one that a plug-in looks for.
   virtual QWidget* Widget() = 0;
+  /// Keeps the person in what opens above the window, whoever opens it.
+  virtual ModalGuard& Guard() = 0;
 
   /// Offers the entries of the menu until HideMenu; a chosen one goes to Waits::Choose.
   virtual void ShowMenu(const Menu& menu) = 0;
@@ -39,17 +43,17 @@ class Shell {
   virtual void FileSaved(const QString& path) = 0;
 };
 
-/// The event loops in which the plug-in waits for the person, one inside the other. Nothing is thrown through them:
-/// what a callback throws is kept and raised behind the loop that it was called from. During a wait machine faults
-/// find the handlers that stood before any plug-in was started, so that none of its own jumps over the loop.
+/// The event loops in which the plug-in, or the main window, waits for the person, one inside the other. Nothing is
+/// thrown through them: what a callback throws is kept and raised behind the loop that it was called from. During a
+/// wait machine faults find the handlers that stood before any plug-in was started, so that none of its own jumps over
+/// the loop.
 class Waits {
  public:
   Waits();
   Waits(const Waits&) = delete;
   Waits& operator=(const Waits&) = delete;
 
-  /// Runs a plug-in, which waits in these loops; nothing where one runs already. True when the person left it by Leave:
-  /// the window closes then.
+  /// Runs a plug-in, which waits in these loops; nothing where one runs already. Gives what Left gives behind it.
   bool RunPlugin(const std::function<void()>& plugin);
   bool plugin_runs() const { return plugin_runs_; }
 
@@ -57,8 +61,10 @@ class Waits {
   void Choose(int number);         ///< entry of the menu
   void Pick(std::int32_t record);  ///< record number of a point, 0 to stop picking
   /// Leaves all that is open as by "Abbruch", and then the menu, as soon as the event that runs now is done. A dialog
-  /// that stays open all the same ends the leaving.
-  void Leave();
+  /// that stays open all the same ends the leaving. False where nothing is open.
+  bool Leave();
+  /// Whether all has been left by Leave, which is told once: the window closes then.
+  bool Left();
   void StopLeaving() { leaving_ = false; }
 
   /// For the front end: until Choose or Pick; 0 where the person left.

@@ -14,12 +14,14 @@
 
 #include "korvo/desktop/desktop_front_end.h"
 #include "korvo/desktop/dialog_window.h"
+#include "korvo/desktop/modal_guard.h"
 #include "korvo/desktop/text.h"
 
 /// A main window that only keeps what it is told.
 class KeptShell : public korvo::Shell {
  public:
   QWidget* Widget() override { return &window; }
+  korvo::ModalGuard& Guard() override { return guard; }
   void ShowMenu(const korvo::Menu& menu) override { told += menu.name + " "; }
   void HideMenu() override { told += "- "; }
   void BeginPick() override { told += "pick "; }
@@ -29,6 +31,7 @@ class KeptShell : public korvo::Shell {
   void FileSaved(const QString& path) override { told += "saved " + path.toStdString() + " "; }
 
   QWidget window;
+  korvo::ModalGuard guard{window};
   std::string told;
 };
 

@@ -471,7 +471,7 @@ TEST_F(Windows, LeavingClosesPopupsWithLoopsOfTheirOwn) {
   toolkit::DateField day(9001, "Tag:");
   PlayedDlg dialog({&day});
   const auto open_menu = [](QWidget* in, const char* button) {
-    QTest::mousePress(in->findChild<QToolButton*>(QString::fromLatin1(button)), Qt::LeftButton);
+    QTest::mouseClick(in->findChild<QToolButton*>(QString::fromLatin1(button)), Qt::LeftButton);
   };
   Then([&](QWidget* window) { open_menu(window, "9001.kalender"); });
   Then([&](QWidget*) { open_menu(QApplication::activePopupWidget(), "qt_calendar_monthbutton"); });
@@ -501,7 +501,7 @@ TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
         waits.Leave();
       });
       if (key != Qt::Key_Menu) return QTest::keyClick(files, key);
-      QTest::mousePress(window->windowHandle(), Qt::RightButton, {}, files->mapTo(window, files->rect().center()));
+      QTest::mouseClick(window->windowHandle(), Qt::RightButton, {}, files->mapTo(window, files->rect().center()));
     });
     std::string path;
     EXPECT_TRUE(waits.RunPlugin([&] {

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProxyStyle>
 #include <QTableView>
 #include <QTest>
@@ -79,6 +80,13 @@ class Window : public testing::Test {
     edit->clear();
     QTest::keyClicks(edit, QString::fromLatin1(text));
     QTest::keyClick(edit, Qt::Key_Return);
+  }
+  /// In the picker that is open.
+  void PickFile(const QString& named) {
+    ASSERT_NE(qobject_cast<QFileDialog*>(front_end_.front()), nullptr);
+    auto* const name = front_end_.front()->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    name->setText(named);
+    QTest::keyClick(name, Qt::Key_Return);
   }
   std::int32_t PickWhile(const std::function<void()>& act) {
     QTimer::singleShot(0, act);
@@ -166,13 +174,7 @@ TEST_F(Window, IsWorkedByKeyboardAlone) {
   const QString file = QString::fromStdString(
       folder_.Write("akten/a.xml", "<T><Insert><P gml:id=\"DE1\"><punktkennung>1001</punktkennung></P></Insert></T>"));
   for (const auto& [named, size] : {std::pair(file, QSize(800, 740)), {QStringLiteral("a.xml"), QSize(701, 602)}}) {
-    QTimer::singleShot(0, [named = named] {
-      auto* const picker = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-      ASSERT_NE(picker, nullptr);
-      auto* const name = picker->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-      name->setText(named);
-      QTest::keyClick(name, Qt::Key_Return);
-    });
+    QTimer::singleShot(0, [&, named = named] { PickFile(named); });
     QTest::keyClick(&window_, Qt::Key_N, Qt::ControlModifier);
     auto* const nas = window_.findChild<korvo::NasWindow*>();
     ASSERT_NE(nas, nullptr);
@@ -291,6 +293,36 @@ TEST_F(Window, KeepsTheTagOfALongPointInTheMap) {
   }
   EXPECT_GT(changed.width(), after.width() / 4);
   EXPECT_LT(changed.width(), after.width() * 2 / 5);
+}
+
+TEST_F(Window, IsClosedFromItsOwnPickersAndTheirQuestion) {
+  const QString map = QString::fromStdString(folder_.Write("karte.png", "alt"));
+  for (const bool plugin_waits : {false, true}) {
+    for (const Qt::Key key : {Qt::Key_O, Qt::Key_N, Qt::Key_K}) {
+      SCOPED_TRACE(key);
+      window_.show();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+      const auto close = [&] {
+        EXPECT_EQ(qobject_cast<QMessageBox*>(front_end_.front()) != nullptr, key == Qt::Key_K);
+        EXPECT_EQ(QGuiApplication::modalWindow(), nullptr);
+        QTest::keyClick(&window_, Qt::Key_F2);
+        window_.windowHandle()->close();
+        EXPECT_TRUE(window_.isVisible()) << "not before what is open above it";
+      };
+      const auto open = [&] {
+        QTimer::singleShot(0, [&] {
+          QTimer::singleShot(0, close);
+          if (key == Qt::Key_K) PickFile(map);
+        });
+        QTest::keyClick(&window_, key, Qt::ControlModifier);
+      };
+      QTimer::singleShot(0, open);
+      plugin_waits ? window_.StartPlugin() : QTest::qWait(50);
+      EXPECT_FALSE(window_.isVisible() || waits_.plugin_runs());
+      EXPECT_EQ(front_end_.front(), nullptr);
+    }
+  }
+  EXPECT_EQ(QFileInfo(map).size(), 3);
 }
 
 TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
