@@ -213,16 +213,15 @@ bool DesktopFrontEnd::MayOverwrite(const QString& path) {
   return ShowBox(question, "Korvo", kFlags, 0) == toolkit::kAnswerYes;
 }
 
-bool DesktopFrontEnd::RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path) {
+QString DesktopFrontEnd::RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path) {
   picker->takes = [&](const QString& chosen) {
     bool taken = false;
     waits_.AtEdge([&] { taken = CanTell(chosen) && (!ask_before_overwrite || MayOverwrite(chosen)); });
     return taken;
   };
   const QString chosen = picker->Ask(waits_, guard_);
-  if (chosen.isEmpty()) return false;
-  *path = path::FromDisk(chosen.toStdString()).value();
-  return true;
+  if (!chosen.isEmpty()) *path = path::FromDisk(chosen.toStdString()).value();
+  return chosen;
 }
 
 bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path, int* filter) {
@@ -241,12 +240,15 @@ bool DesktopFrontEnd::PickFile(const toolkit::FilePick& pick, std::string* path,
   if (!filters.isEmpty()) picker.setNameFilters(filters);
   if (pick.save && pick.default_extension != "*") picker.setDefaultSuffix(FromAnsi(pick.default_extension));
   if (!pick.path.empty()) picker.selectFile(FromAnsi(pick.path));
-  if (!RunPicker(&picker, pick.save && pick.ask_before_overwrite, path)) return false;
+  const QString chosen = RunPicker(&picker, pick.save && pick.ask_before_overwrite, path);
+  if (chosen.isEmpty()) return false;
   if (filter != nullptr)
     *filter = static_cast<int>(std::max<qsizetype>(filters.indexOf(picker.selectedNameFilter()), 0));
   if (pick.save) {
-    saved_path_ = picker.selectedFiles().value(0);
-    saved_before_ = QFileInfo(saved_path_).lastModified();
+    saved_path_ = chosen;
+    saved_before_ = QFileInfo(chosen).lastModified();
+  } else {
+    Picker::Remember(chosen);
   }
   return true;
 }
@@ -257,13 +259,16 @@ bool DesktopFrontEnd::PickFolder(const std::string& title, toolkit::Window paren
   Picker picker(Below(parent), AsLine(title));
   picker.setOption(QFileDialog::ShowDirsOnly);
   picker.setFileMode(QFileDialog::Directory);
-  return RunPicker(&picker, false, path);
+  const QString chosen = RunPicker(&picker, false, path);
+  if (!chosen.isEmpty()) Picker::Remember(chosen);
+  return !chosen.isEmpty();
 }
 
 void DesktopFrontEnd::TellSaved() {
   if (saved_path_.isEmpty()) return;
   const QFileInfo file(saved_path_);
   if (!file.exists() || file.lastModified() == saved_before_) return;
+  Picker::Remember(saved_path_);
   shell_.FileSaved(std::exchange(saved_path_, QString()));
 }
 

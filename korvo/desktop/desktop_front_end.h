@@ -45,8 +45,9 @@ class DesktopFrontEnd : public FrontEnd {
   QWidget* Below(toolkit::Window parent) const;
   /// Brings the open dialogs up to date before something opens above them.
   void ShowDialogs();
-  /// Runs a picker until it has a path that the plug-in can be told; false when the person cancelled.
-  bool RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path);
+  /// Runs a picker until it has a path that the plug-in can be told; empty, and `path` untouched, when the person
+  /// cancelled.
+  QString RunPicker(Picker* picker, bool ask_before_overwrite, std::string* path);
   /// Whether the plug-in can be told the path; where it cannot, the person is told why.
   bool CanTell(const QString& path);
   bool MayOverwrite(const QString& path);

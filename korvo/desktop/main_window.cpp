@@ -263,13 +263,17 @@ QString MainWindow::AskForFile(const QString& title, const QStringList& filters)
 void MainWindow::AskForProject() {
   const QString path =
       AskForFile(QStringLiteral("Punkttabelle eines Projekts öffnen"), {QStringLiteral("Punkttabelle (*.dbf *.DBF)")});
-  if (!path.isEmpty()) Open(path);
+  if (path.isEmpty()) return;
+  WithoutPlugin([this, path] {
+    Open(path);
+    if (opened_ == path) Picker::Remember(path);
+  });
 }
 
 void MainWindow::AskForNas() {
   const QString path = AskForFile(QStringLiteral("NAS-Datei ansehen"),
                                   {QStringLiteral("NAS-Datei (*.xml *.XML)"), QStringLiteral("Alle Dateien (*)")});
-  if (!path.isEmpty()) OpenNas(path);
+  if (!path.isEmpty() && OpenNas(path) != nullptr) Picker::Remember(path);
 }
 
 NasWindow* MainWindow::OpenNas(const QString& path) {
@@ -307,10 +311,12 @@ void MainWindow::SaveMap() {
   if (path.isEmpty()) return;
   const QString title = FromAnsi(ProjectName());
   const bool pdf = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
-  if (pdf ? map_->SavePdf(path, title) : map_->SavePng(path, title)) {
+  QString why;
+  if (pdf ? map_->SavePdf(path, title, &why) : map_->SavePng(path, title, &why)) {
+    Picker::Remember(path);
     ShowMessage(QStringLiteral("Karte gespeichert: ") + path);
   } else {
-    project_notice_->Show(QStringLiteral("Die Karte konnte nicht gespeichert werden: ") + path);
+    project_notice_->Show(QStringLiteral("Die Karte konnte nicht unter %1 gespeichert werden: %2").arg(path, why));
   }
 }
 

@@ -252,20 +252,21 @@ void MapView::leaveEvent(QEvent* /*event*/) {
   Q_EMIT CursorLeft();
 }
 
-bool MapView::SavePng(const QString& path, const QString& title) {
+bool MapView::SavePng(const QString& path, const QString& title, QString* why) {
   QImage image((camera_.size * kPictureRatio).toSize(), QImage::Format_RGB32);
   image.setDevicePixelRatio(kPictureRatio);
   QPainter painter(&image);
   painter_.Draw(painter, camera_, title);
   painter.end();
   QSaveFile file(path);
-  return file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit();
+  if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit()) return true;
+  *why = file.errorString();
+  return false;
 }
 
-bool MapView::SavePdf(const QString& path, const QString& title) {
+bool MapView::SavePdf(const QString& path, const QString& title, QString* why) {
   QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  {
+  const auto write = [&] {
     QPdfWriter writer(&file);
     writer.setTitle(title);
     writer.setPageSize(QPageSize(QPageSize::A4));
@@ -277,8 +278,11 @@ bool MapView::SavePdf(const QString& path, const QString& title) {
     const double factor = std::min(writer.width() / camera_.size.width(), writer.height() / camera_.size.height());
     painter.scale(factor, factor);
     painter_.Draw(painter, camera_, title);
-  }
-  return file.commit();
+    return true;
+  };
+  if (file.open(QIODevice::WriteOnly) && write() && file.commit()) return true;
+  *why = file.errorString();
+  return false;
 }
 
 }  // namespace korvo

@@ -45,9 +45,9 @@ class MapView : public QWidget {
   QPointF PlaceOf(int point) const;
   const MapCamera& camera() const { return camera_; }
 
-  /// False where the file cannot be written.
-  bool SavePng(const QString& path, const QString& title);
-  bool SavePdf(const QString& path, const QString& title);
+  /// False where the file cannot be written, and `why` says so.
+  bool SavePng(const QString& path, const QString& title, QString* why);
+  bool SavePdf(const QString& path, const QString& title, QString* why);
 
   QSize sizeHint() const override { return {700, 560}; }
   QSize minimumSizeHint() const override { return {240, 200}; }

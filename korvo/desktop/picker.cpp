@@ -84,10 +84,7 @@ QString Picker::Ask(Waits& waits, ModalGuard& guard) {
   const ModalGuard::Hold hold(guard, *this);
   show();
   wait.Run();
-  if (result() != Accepted) return {};
-  QString picked = selectedFiles().value(0);
-  Remember(picked);
-  return picked;
+  return result() == Accepted ? selectedFiles().value(0) : QString();
 }
 
 void Picker::done(int result) {

@@ -19,7 +19,7 @@ struct PickerIcons {
   std::unique_ptr<QFileIconProvider> icons;
 };
 
-/// Begins in the folder of what was picked last, else in that of the project, and in the size of the last picker.
+/// Begins in the folder that was remembered last, else in that of the project, and in the size of the last picker.
 class Picker : private PickerIcons, public QFileDialog {
  public:
   Picker(QWidget* parent, const QString& title);
@@ -30,7 +30,7 @@ class Picker : private PickerIcons, public QFileDialog {
 
   /// What the person picks; empty for nothing. Until then the guard keeps the person here.
   QString Ask(Waits& waits, ModalGuard& guard);
-  /// The next picker begins there.
+  /// The next picker begins there. For what could be opened or written.
   static void Remember(const QString& picked);
 
  protected:

@@ -653,6 +653,10 @@ TEST_F(Windows, PickersRememberTheirFolderAndTellOfWhatWasSaved) {
   Then(Close);
   desktop.ShowBox("Fehler", "nicht geschrieben", 0, 0);
   EXPECT_EQ(shell.told, "");
+  EXPECT_FALSE(korvo::Remembered()
+                   .value(QStringLiteral("ordner/letzter"))
+                   .toString()
+                   .contains(QString::fromStdString(folder.path())));
   QTest::qWait(5);
   folder.Write("schon da.XML", "neu");
   for (int i = 0; i < 2; ++i) {

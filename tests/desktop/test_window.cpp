@@ -3,6 +3,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -25,6 +26,7 @@
 #include "korvo/desktop/main_window.h"
 #include "korvo/desktop/nas_file.h"
 #include "korvo/desktop/nas_window.h"
+#include "korvo/desktop/settings.h"
 #include "korvo/host/lock.h"
 #include "korvo/host/project.h"
 #include "tests/support/table_file.h"
@@ -272,6 +274,32 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
     EXPECT_FALSE(window_.isVisible());
   }
   EXPECT_EQ(closed, 5);
+}
+
+TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
+  std::filesystem::create_directory(folder_.File("ort"));
+  folder_.Write("ort/brief.txt", "kein dBase");
+  const struct {
+    Qt::Key key;
+    const char* file;
+    bool goes;
+    const char* notice;
+  } kCases[] = {
+      {Qt::Key_O, "ort/brief.txt", false, "weder"},
+      {Qt::Key_N, "/dev/null", false, "Es ist keine Datei."},
+      {Qt::Key_K, "fehlt/karte.png", false, "karte.png gespeichert werden: Die Datei"},
+      {Qt::Key_K, "fehlt/karte.pdf", false, "karte.pdf gespeichert werden: Die Datei"},
+      {Qt::Key_K, "ort/karte.png", true, ""},
+      {Qt::Key_O, "punkte.dbf", true, ""},
+  };
+  for (const auto& c : kCases) {
+    const QString file = QDir(QString::fromStdString(folder_.path())).filePath(QString::fromLatin1(c.file));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    QTimer::singleShot(0, [&] { PickFile(file); });
+    QTest::keyClick(&window_, c.key, Qt::ControlModifier);
+    EXPECT_TRUE(c.goes || Notices(c.notice)) << c.file;
+    EXPECT_EQ(korvo::Remembered().value(QStringLiteral("ordner/letzter")) == QFileInfo(file).path(), c.goes) << c.file;
+  }
 }
 
 TEST_F(Window, KeepsTheTagOfALongPointInTheMap) {
