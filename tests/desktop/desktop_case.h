@@ -35,19 +35,24 @@ class KeptShell : public korvo::Shell {
   std::string told;
 };
 
-/// A dialog with the rules of a test.
+/// A dialog with a test's own rule for what is pressed.
 class PlayedDlg : public toolkit::Dialog {
  public:
   explicit PlayedDlg(std::vector<toolkit::Control*> controls)
       : Dialog(9000, korvo::ToAnsi(QStringLiteral("Prüfen & <b>mehr</b>"))) {
     for (toolkit::Control* control : controls) Add(control);
   }
-  using Dialog::End;
-  std::function<void(toolkit::ControlId)> pressed = [this](toolkit::ControlId id) { End(id); };
+  std::string pressed;  ///< so far, with a blank behind each
+  std::function<void(toolkit::ControlId)> rule = [](toolkit::ControlId) {};
+  bool stubborn = false;  ///< stays open for all that the person does
 
  private:
-  void OnPressed(toolkit::ControlId id) override { pressed(id); }
-  void OnRowSelected(toolkit::ControlId id) override { pressed(id); }
+  void OnPressed(toolkit::ControlId id) override {
+    pressed += std::to_string(id) + " ";
+    rule(id);
+    if (id == toolkit::kCancel && !stubborn) End(id);
+  }
+  void OnRowSelected(toolkit::ControlId id) override { OnPressed(id); }
 };
 
 class DesktopCase : public testing::Test {
@@ -67,6 +72,14 @@ class DesktopCase : public testing::Test {
     if (person_.size() == 1) Soon();
   }
   int Run(toolkit::Dialog& dialog) { return toolkit::RunModal(desktop, dialog, 0); }
+  /// The dialog with what the person does first in it, and then closes it.
+  void Run(toolkit::Dialog& dialog, const std::function<void(korvo::DialogWindow&)>& act) {
+    Then([&](QWidget* window) {
+      act(static_cast<korvo::DialogWindow&>(*window));
+      window->close();
+    });
+    EXPECT_EQ(Run(dialog), toolkit::kCancel);
+  }
 
   KeptShell shell;
   korvo::Waits waits;
