@@ -174,11 +174,15 @@ void MainWindow::BuildActions() {
 
 void MainWindow::WithoutPlugin(std::function<void()> work) {
   if (!waits_.plugin_runs()) return work();
-  after_plugin_ = std::move(work);
   if (picking_) {
+    after_plugin_ = [this, work = std::move(work)] {
+      ShowMessage(QStringLiteral("Die Punktabfrage wurde beendet."));
+      work();
+    };
     StopPicking();
-  } else if (menu_waits_) {
-    Command(0);
+  } else {
+    after_plugin_ = std::move(work);
+    if (menu_waits_) Command(0);
   }
 }
 

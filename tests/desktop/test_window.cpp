@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProxyStyle>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -274,6 +275,25 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
     EXPECT_FALSE(window_.isVisible());
   }
   EXPECT_EQ(closed, 5);
+}
+
+TEST_F(Window, SaysThatItEndsAPickForAnotherProject) {
+  std::filesystem::create_directory(folder_.File("anderes"));
+  std::filesystem::copy(path_, folder_.File("anderes"));
+  const QString other = QString::fromStdString(folder_.File("anderes/punkte.dbf"));
+  for (const Qt::Key key : {Qt::Key_F5, Qt::Key_O}) {
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    QTimer::singleShot(100, [&] {
+      EXPECT_TRUE(Find<QWidget>("end_pick")->isVisible());
+      if (key == Qt::Key_O) QTimer::singleShot(0, [&] { PickFile(other); });
+      QTest::keyClick(&window_, key, key == Qt::Key_O ? Qt::ControlModifier : Qt::NoModifier);
+    });
+    Find<QAction>("command_6")->trigger();
+    EXPECT_FALSE(waits_.plugin_runs());
+    EXPECT_EQ(window_.statusBar()->currentMessage(), QStringLiteral("Die Punktabfrage wurde beendet."));
+    window_.statusBar()->clearMessage();
+  }
+  EXPECT_EQ(window_.windowTitle(), QStringLiteral("Korvo – anderes"));
 }
 
 TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
