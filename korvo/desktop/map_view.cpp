@@ -1,17 +1,23 @@
 #include "korvo/desktop/map_view.h"
 
+#include <QBuffer>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <new>
+#include <optional>
+#include <string>
 
+#include "base/path.h"
 #include "korvo/desktop/edge.h"
 #include "korvo/desktop/text.h"
+#include "platform/save.h"
+#include "platform/system.h"
 
 namespace korvo {
 
@@ -25,6 +31,21 @@ constexpr double kMostScale = 5000;
 constexpr double kScaleToTellPoints = 2;
 constexpr double kWheelNotch = 120;
 constexpr double kPictureRatio = 2;
+
+bool SavePicture(const QString& path, const QByteArray& picture, QString* why) {
+  const std::optional<std::string> target = path::FromDisk(path.toStdString());
+  if (!target) {
+    *why = QStringLiteral("Der Pfad enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252).");
+    return false;
+  }
+  if (picture.isEmpty()) throw std::bad_alloc();  // nothing else keeps it from being made
+  platform::FileSaver file;
+  if (file.Open(*target) && file.Write(picture.data(), static_cast<std::size_t>(picture.size())) && file.Commit()) {
+    return true;
+  }
+  *why = AsLine(platform::SystemErrorText(platform::LastSystemError()));
+  return false;
+}
 
 }  // namespace
 
@@ -258,31 +279,27 @@ bool MapView::SavePng(const QString& path, const QString& title, QString* why) {
   QPainter painter(&image);
   painter_.Draw(painter, camera_, title);
   painter.end();
-  QSaveFile file(path);
-  if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit()) return true;
-  *why = file.errorString();
-  return false;
+  QBuffer picture;
+  image.save(&picture, "PNG");
+  return SavePicture(path, picture.data(), why);
 }
 
 bool MapView::SavePdf(const QString& path, const QString& title, QString* why) {
-  QSaveFile file(path);
-  const auto write = [&] {
-    QPdfWriter writer(&file);
+  QBuffer picture;
+  picture.open(QIODevice::WriteOnly);
+  {
+    QPdfWriter writer(&picture);
     writer.setTitle(title);
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageOrientation(QPageLayout::Landscape);
     writer.setPageMargins(QMarginsF(10, 10, 10, 10), QPageLayout::Millimeter);
     QPainter painter(&writer);
-    if (!painter.isActive()) return false;
     // The widget's part of the map, as large as the page holds it.
     const double factor = std::min(writer.width() / camera_.size.width(), writer.height() / camera_.size.height());
     painter.scale(factor, factor);
     painter_.Draw(painter, camera_, title);
-    return true;
-  };
-  if (file.open(QIODevice::WriteOnly) && write() && file.commit()) return true;
-  *why = file.errorString();
-  return false;
+  }
+  return SavePicture(path, picture.data(), why);
 }
 
 }  // namespace korvo

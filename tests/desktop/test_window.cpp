@@ -30,6 +30,7 @@
 #include "korvo/desktop/settings.h"
 #include "korvo/host/lock.h"
 #include "korvo/host/project.h"
+#include "tests/support/faulty_files.h"
 #include "tests/support/table_file.h"
 
 namespace {
@@ -304,20 +305,24 @@ TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
     const char* file;
     bool goes;
     const char* notice;
+    int disk = 0;  ///< what each write fails with
   } kCases[] = {
       {Qt::Key_O, "ort/brief.txt", false, "weder"},
       {Qt::Key_N, "/dev/null", false, "Es ist keine Datei."},
-      {Qt::Key_K, "fehlt/karte.png", false, "karte.png gespeichert werden: Die Datei"},
-      {Qt::Key_K, "fehlt/karte.pdf", false, "karte.pdf gespeichert werden: Die Datei"},
+      {Qt::Key_K, "ort/karte.png", false, "karte.png gespeichert werden: Auf dem Datenträger ist kein Platz", ENOSPC},
+      {Qt::Key_K, "ort/karte.pdf", false, "karte.pdf gespeichert werden: Auf dem Datenträger ist kein Platz", ENOSPC},
+      {Qt::Key_K, "ort/ł.png", false, "ł.png gespeichert werden: Der Pfad enthält Zeichen"},
       {Qt::Key_K, "ort/karte.png", true, ""},
       {Qt::Key_O, "punkte.dbf", true, ""},
   };
   for (const auto& c : kCases) {
-    const QString file = QDir(QString::fromStdString(folder_.path())).filePath(QString::fromLatin1(c.file));
+    const QString file = QDir(QString::fromStdString(folder_.path())).filePath(QString::fromUtf8(c.file));
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    const support::FaultyFiles files([&](int, const std::string& call) { return call == "Write" ? c.disk : 0; });
     QTimer::singleShot(0, [&] { PickFile(file); });
     QTest::keyClick(&window_, c.key, Qt::ControlModifier);
     EXPECT_TRUE(c.goes || Notices(c.notice)) << c.file;
+    EXPECT_EQ(QFileInfo::exists(file), c.goes || c.key != Qt::Key_K) << c.file;
     EXPECT_EQ(korvo::Remembered().value(QStringLiteral("ordner/letzter")) == QFileInfo(file).path(), c.goes) << c.file;
   }
 }
