@@ -564,11 +564,7 @@ TEST_F(Windows, PickersRememberTheirFolderAndTellOfWhatWasSaved) {
   pick.filters = {{"*.XML", "*.XML"}};
   pick.default_extension = "*";
   const auto type = [&](const std::string& text) {
-    return [text](QWidget* window) {
-      auto* const name = window->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-      name->setText(QString::fromStdString(text));
-      QTest::keyClick(name, Qt::Key_Return);
-    };
+    return [text](QWidget* picker) { pilot::PickFile(picker, QString::fromStdString(text)); };
   };
   std::string path = "unberührt"_ansi;
   int filter = 7;

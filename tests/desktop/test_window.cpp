@@ -30,6 +30,7 @@
 #include "korvo/desktop/settings.h"
 #include "korvo/host/lock.h"
 #include "korvo/host/project.h"
+#include "tests/desktop/pilot/hands.h"
 #include "tests/support/faulty_files.h"
 #include "tests/support/table_file.h"
 
@@ -88,9 +89,7 @@ class Window : public testing::Test {
   /// In the picker that is open.
   void PickFile(const QString& named) {
     ASSERT_NE(qobject_cast<QFileDialog*>(front_end_.front()), nullptr);
-    auto* const name = front_end_.front()->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    name->setText(named);
-    QTest::keyClick(name, Qt::Key_Return);
+    pilot::PickFile(front_end_.front(), named);
   }
   std::int32_t PickWhile(const std::function<void()>& act) {
     QTimer::singleShot(0, act);

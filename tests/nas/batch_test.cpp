@@ -17,15 +17,9 @@ namespace {
 using namespace text::literals;
 
 constexpr const char* kTemplate =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<AX_Fortfuehrungsauftrag xmlns:wfs=\"http://www.opengis.net/wfs/2.0\">\n"
-    "  <geaenderteObjekte>\n"
-    "    <wfs:Transaction version=\"2.0.0\" service=\"WFS\">\n"
-    "    </wfs:Transaction>\n"
-    "  </geaenderteObjekte>\n"
-    "  <antragsnummer/>\n"
-    "  <auftragsnummer/>\n"
-    "</AX_Fortfuehrungsauftrag>\n";
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?><AX_Fortfuehrungsauftrag xmlns:wfs=\"http://www.opengis.net/wfs/2.0\">"
+    "<geaenderteObjekte><wfs:Transaction version=\"2.0.0\" service=\"WFS\"/></geaenderteObjekte><antragsnummer/>"
+    "<auftragsnummer/></AX_Fortfuehrungsauftrag>";
 
 BatchPoint Point(std::string name, std::string east, std::string north, std::string zst = "12") {
   return {.name = std::move(name),

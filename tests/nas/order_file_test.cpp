@@ -4,7 +4,6 @@
 
 #include <array>
 #include <deque>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -130,9 +129,7 @@ TEST_F(OrderFile, EachFailureEndsAsItMust) {
   const struct {
     const char* name;
     std::vector<PointRecord> points;
-    std::string original;  // o.xml where empty
-    std::string shown;
-    std::string message;  // nothing is saved where it is not kOk
+    std::string original, shown, message;  // o.xml where empty; nothing is saved but with kOk
   } kCases[] = {
       {"no point", {}, "", "", "Fehler: Kein objekt in der Liste"},
       {"delete without a setting", {good, Point(kAktionDelete), good}, "-", kHint + "abbruch: 1\n", kOk},
@@ -190,62 +187,57 @@ TEST_F(OrderFile, CountsPointsAndTakesTheNumbersOfTheFirst) {
 }
 
 TEST_F(OrderFile, WritesOfEachPointWhatCatalogueAndStateAllow) {
-  const auto with = [](PointRecord point, const std::function<void(PointRecord&)>& change) {
-    change(point);
-    return point;
-  };
-  const PointRecord insert = Point(kAktionNew);
   const struct {
-    PointRecord point;
-    const char* land;
-    std::string there;
-    std::string missing;
+    void (*change)(PointRecord&);  // of an inserted one
+    std::string there, missing;
+    const char* land = "09";
   } kCases[] = {
-      {insert, "09", "<anlass>000000</anlass><punktkennung>PKN</punktkennung></AX_Full>", "zeigtAufExternes"},
-      {insert, "09",
-       "<gmd:processor><gmd:CI_ResponsibleParty><gmd:organisationName><gco:CharacterString>B\xC3\xBCro</"
-       "gco:CharacterString>"
-       "</gmd:organisationName><gmd:role><gmd:CI_RoleCode codeList=\"http://www.isotc211.org/2005/resources/CodeList/"
-       "gmxCodelists.xml#CI_RoleCode\" codeListValue=\"processor\">processor</gmd:CI_RoleCode></gmd:role>"
-       "</gmd:CI_ResponsibleParty></gmd:processor><gmd:source><gmd:LI_Source><gmd:description></gmd:description>",
+      {[](auto&) {}, "<anlass>000000</anlass><punktkennung>PKN</punktkennung></AX_Full>", "zeigtAufExternes"},
+      {[](auto&) {},
+       "<gmd:processor><gmd:CI_ResponsibleParty><gmd:organisationName><gco:CharacterString>B\xC3\xBCro"
+       "</gco:CharacterString></gmd:organisationName><gmd:role><gmd:CI_RoleCode codeList=\"http://www.isotc211.org/"
+       "2005/resources/CodeList/gmxCodelists.xml#CI_RoleCode\" codeListValue=\"processor\">processor</gmd:CI_RoleCode>"
+       "</gmd:role></gmd:CI_ResponsibleParty></gmd:processor><gmd:source><gmd:LI_Source><gmd:description>"
+       "</gmd:description>",
        "AX_Datenerhebung_Punktort"},
-      {insert, "16", "<AX_Datenerhebung_Punktort>0005</AX_Datenerhebung_Punktort>", "gmd:processor"},
-      {with(insert, [](PointRecord& p) { p.her = 12345; }), "16", "_Punktort>2345<", "12345"},
-      {insert, "016", "<anlass>000000</anlass>", "zeigtAufExternes"},
-      {with(insert, [](PointRecord& p) { p.abm = p.bza = p.zst = 0; }), "09",
-       "<land>9</land><stelle>0000</stelle></AX_Dienststelle_Schluessel></zustaendigeStelle><abmarkung_Marke>0</"
-       "abmarkung_Marke><vermarkung_Marke>0</vermarkung_Marke><bemerkungZurAbmarkung>0</bemerkungZurAbmarkung></"
-       "AX_Full>",
+      {[](auto&) {}, "<AX_Datenerhebung_Punktort>0005</AX_Datenerhebung_Punktort>", "gmd:processor", "16"},
+      {[](auto& p) { p.her = 12345; }, "_Punktort>2345<", "12345", "16"},
+      {[](auto&) {}, "<anlass>000000</anlass>", "zeigtAufExternes", "016"},
+      {[](auto& p) { p.abm = p.bza = p.zst = 0; },
+       "<land>9</land><stelle>0000</stelle></AX_Dienststelle_Schluessel></zustaendigeStelle><abmarkung_Marke>0"
+       "</abmarkung_Marke><vermarkung_Marke>0</vermarkung_Marke><bemerkungZurAbmarkung>0</bemerkungZurAbmarkung>"
+       "</AX_Full>",
        "-1"},
-      {with(insert, [](PointRecord& p) { p.zst = 12345; }), "09", "<stelle>12345</stelle>", "abmarkung"},
-      {with(insert, [](PointRecord& p) { p.kst = p.hin = p.gst = p.vtw = p.lzv = 0, p.dat = 1456874400; }), "09",
+      {[](auto& p) { p.zst = 12345; }, "<stelle>12345</stelle>", "abmarkung"},
+      {[](auto& p) { p.kst = p.hin = p.gst = p.vtw = p.lzv = 0, p.dat = 1456874400; },
        "<kartendarstellung>true</kartendarstellung><koordinatenstatus>0</koordinatenstatus><hinweise>0</hinweise>"
        "<ueberpruefungsdatum>2016-03-02</ueberpruefungsdatum><qualitaetsangaben>",
        "?"},
-      {with(insert, [](PointRecord& p) { p.gst = 1, p.vtw = 2, p.lzv = kLzvFalse; }), "09",
+      {[](auto& p) { p.gst = 1, p.vtw = 2, p.lzv = kLzvFalse; },
        "</herkunft><genauigkeitsstufe>1</genauigkeitsstufe><vertrauenswuerdigkeit>2</vertrauenswuerdigkeit>"
        "<lagezuverlaessigkeit>false</lagezuverlaessigkeit></AX_DQPunktort>",
        "koordinatenstatus"},
-      {with(insert, [](PointRecord& p) { p.lzv = kLzvTrue, p.dat = -1; }), "09",
-       "<lagezuverlaessigkeit>true</lagezuverlaessigkeit>", "ueberpruefungsdatum"},
-      {with(insert, [](PointRecord& p) { p.oa = kPlain, p.pkn[0] = '\0', p.abm = p.kst = p.dat = p.lzv = 0; }), "09",
+      {[](auto& p) { p.lzv = kLzvTrue, p.dat = -1; }, "<lagezuverlaessigkeit>true<", "ueberpruefungsdatum"},
+      {[](auto& p) { p.oa = kPlain, p.pkn[0] = '\0', p.abm = p.kst = p.dat = p.lzv = 0; },
        "<anlass>000000</anlass><abmarkung_Marke>0</abmarkung_Marke></AX_Plain>", "koordinatenstatus"},
-      {with(insert, [](PointRecord& p) { p.oa = kBare, p.zst = p.abm = p.bza = 1, p.po = kPoAG; }), "09",
+      {[](auto& p) { p.oa = kBare, p.zst = p.abm = p.bza = 1, p.po = kPoAG; },
        "<anlass>000000</anlass></AX_Bare></wfs:Insert><wfs:Insert><AX_PunktortAG gml:id=\"DE_0000000000002\">", "PKN"},
-      {Point(kAktionNew, "A|SECOND"), "09", "wfs:Insert", "SECOND"},
-      {Point(kAktionReplace, "A"), "09", "FIRST", "SECOND"},
-      {Point(kAktionReplace, "A|SECOND"), "09", "<wfs:Replace><AX_PunktortAU gml:id=\"SECOND\">", "2003"},
-      {Point(kAktionDelete, "A|SECOND|"), "09",
+      {[](auto& p) { p = Point(kAktionNew, "A|SECOND"); }, "wfs:Insert", "SECOND"},
+      {[](auto& p) { p = Point(kAktionReplace, "A"); }, "FIRST", "SECOND"},
+      {[](auto& p) { p = Point(kAktionReplace, "A|SECOND"); }, "<wfs:Replace><AX_PunktortAU gml:id=\"SECOND\">",
+       "2003"},
+      {[](auto& p) { p = Point(kAktionDelete, "A|SECOND|"); },
        "<wfs:Delete typeName=\"A\"><fes:Filter><fes:ResourceId rid=\"SECOND20030203T040506Z\">", "gml:id"},
-      {with(Point(kAktionDelete), [](PointRecord& p) { p.po = 0; }), "09", "typeName=\"AX_Full\"", "FIRST"},
+      {[](auto& p) { p.aktion = kAktionDelete, p.po = 0; }, "typeName=\"AX_Full\"", "FIRST"},
   };
-  int number = 0;
   for (const auto& row : kCases) {
-    ++number;
-    EXPECT_EQ(Write({row.point}, row.land), "Erfolgreich: 1 Punkte ausgegeben") << number;
+    SCOPED_TRACE(&row - kCases);
+    PointRecord point = Point(kAktionNew);
+    row.change(point);
+    EXPECT_EQ(Write({point}, row.land), "Erfolgreich: 1 Punkte ausgegeben");
     const std::string file = Output();
-    EXPECT_NE(file.find(row.there), std::string::npos) << number << "\n" << file;
-    EXPECT_EQ(file.find(row.missing), std::string::npos) << number << "\n" << file;
+    EXPECT_NE(file.find(row.there), std::string::npos) << file;
+    EXPECT_EQ(file.find(row.missing), std::string::npos) << file;
   }
 }
 

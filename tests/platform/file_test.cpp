@@ -55,8 +55,4 @@ TEST(File, ListsAndDeletesByTheFormInsideAndOpensNoFolder) {
   for (const char* name : {"/größe.Xml"_ansi, "/ordner.xml"}) EXPECT_FALSE(platform::FileExists(folder.path() + name));
 }
 
-TEST(System, TellsErrorsInWords) {
-  EXPECT_EQ(platform::SystemErrorText(EIO), "Ein-/Ausgabefehler des Datenträgers."_ansi);
-}
-
 }  // namespace

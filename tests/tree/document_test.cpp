@@ -35,10 +35,8 @@ std::string TreeText(const CTreeNode* node) {
 
 TEST(Node, FindsChildrenByLocalAndByWholeName) {
   const struct {
-    const char* children;
-    const char* name;
-    const char* local;  // what is found by the local name
-    const char* whole;
+    const char *children, *name;
+    const char *local, *whole;  // what is found by the local name, and by the whole one
   } kCases[] = {
       {"<b/><c:b/><a:b/>", "a:b", "b", "a:b"},
       {"<c:b/><a:b/>", "a:b", "a:b", "a:b"},

@@ -9,7 +9,6 @@
 #include <QRegularExpression>
 #include <QTabBar>
 #include <QTest>
-#include <type_traits>
 #include <variant>
 
 #include "korvo/desktop/text.h"
@@ -31,28 +30,45 @@ void Press(QAbstractButton* button) {
   QTest::keyClick(button, Qt::Key_Space);
 }
 
-Answer Do(QLineEdit* edit, const std::string& text) {
+Answer Act(QLineEdit* edit, const toolkit::Typed& e) {
   if (edit->isReadOnly()) return Answer::kReadOnly;
   QTest::mouseClick(edit, Qt::LeftButton);
   QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClick(edit, Qt::Key_Delete);
-  for (const QChar c : korvo::FromAnsi(text)) QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, c, {});
+  for (const QChar c : korvo::FromAnsi(e.text)) QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, c, {});
   return Answer::kTaken;
 }
 
-Answer Choose(QComboBox* box, int position) {
-  if (position < 0 || position >= box->count()) return Answer::kNoSuchEntry;
+Answer Act(QLineEdit* edit, const toolkit::DaySet& e) { return Act(edit, toolkit::Typed{e.id, korvo::DayText(e.day)}); }
+
+Answer Act(QAbstractButton* button, const toolkit::Pressed& e) {
+  e.id == toolkit::kCancel ? QTest::keyClick(button->window(), Qt::Key_Escape) : Press(button);
+  return Answer::kTaken;
+}
+
+Answer Act(QAbstractButton* box, const toolkit::BoxTicked& e) {
+  if (box->isChecked() != e.on) Press(box);
+  return Answer::kTaken;
+}
+
+Answer Act(QWidget* group, const toolkit::OptionChosen& e) {
+  QRadioButton* const option = group->findChildren<QRadioButton*>().value(e.option);
+  return option != nullptr ? (Press(option), Answer::kTaken) : Answer::kNoSuchEntry;
+}
+
+Answer Act(QComboBox* box, const toolkit::EntrySelected& e) {
+  if (e.position < 0 || e.position >= box->count()) return Answer::kNoSuchEntry;
   box->setFocus();
   QTest::keyClick(box, Qt::Key_Down, Qt::AltModifier);
-  box->view()->setCurrentIndex(box->model()->index(position, 0));
+  box->view()->setCurrentIndex(box->model()->index(e.position, 0));
   QTest::keyClick(box->view(), Qt::Key_Return);
   return Answer::kTaken;
 }
 
-Answer Tick(QListView* list, int row, bool on) {
-  const QModelIndex index = list->model()->index(row, 0);
+Answer Act(QListView* list, const toolkit::RowTicked& e) {
+  const QModelIndex index = list->model()->index(e.row, 0);
   if (!index.isValid()) return Answer::kNoSuchEntry;
-  if ((index.data(Qt::CheckStateRole).toInt() == Qt::Checked) == on) return Answer::kTaken;
+  if ((index.data(Qt::CheckStateRole).toInt() == Qt::Checked) == e.on) return Answer::kTaken;
   list->scrollTo(index);
   by_mouse = !by_mouse;
   if (by_mouse) {
@@ -63,6 +79,24 @@ Answer Tick(QListView* list, int row, bool on) {
     QTest::keyClick(list, Qt::Key_Space);
   }
   return Answer::kTaken;
+}
+
+Answer Act(QListView* list, const toolkit::RowSelected& e) {
+  list->setCurrentIndex(list->model()->index(e.row, 0));
+  return Answer::kTaken;
+}
+
+Answer Act(QTabWidget* tabs, const toolkit::PageTurned& e) {
+  if (e.page < 0 || e.page >= tabs->count()) return Answer::kNoSuchEntry;
+  QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, tabs->tabBar()->tabRect(e.page).center());
+  return Answer::kTaken;
+}
+
+/// Picks the act for the event, and with it the kind of widget.
+template <class Event, class Widget>
+Answer ActOn(QWidget* any, const Event& e, Answer (*act)(Widget*, const Event&)) {
+  auto* const widget = qobject_cast<Widget*>(any);
+  return widget != nullptr ? act(widget, e) : Answer::kWrongKind;
 }
 
 template <class C>
@@ -124,61 +158,23 @@ bool ShowsContents(const toolkit::Control& control, const QWidget& widget) {
 }  // namespace
 
 Answer Do(korvo::DialogWindow& window, const toolkit::Event& event) {
-  if (std::holds_alternative<toolkit::Closed>(event)) {
-    window.close();
-    return Answer::kTaken;
-  }
   return std::visit(
       [&]<class E>(const E& e) {
-        if constexpr (std::is_same_v<E, toolkit::Opened> || std::is_same_v<E, toolkit::Closed>) {
-          return Answer::kBusy;
-        } else {
+        if constexpr (requires { e.id; }) {
           QWidget* const widget = Find(window, e.id);
-          if (widget == nullptr)
-            return window.dialog().Find(e.id) != nullptr ? Answer::kHidden : Answer::kNoSuchControl;
-          if (!widget->isEnabled()) return Answer::kDisabled;
-          auto* const button = qobject_cast<QAbstractButton*>(widget);
-          if constexpr (std::is_same_v<E, toolkit::Typed>) {
-            if (auto* edit = qobject_cast<QLineEdit*>(widget)) return Do(edit, e.text);
-          } else if constexpr (std::is_same_v<E, toolkit::Pressed>) {
-            if (button == nullptr) return Answer::kWrongKind;
-            if (e.id == toolkit::kCancel) {
-              QTest::keyClick(&window, Qt::Key_Escape);
-            } else {
-              Press(button);
-            }
-            return Answer::kTaken;
-          } else if constexpr (std::is_same_v<E, toolkit::BoxTicked>) {
-            if (button != nullptr && button->isChecked() != e.on) Press(button);
-            if (button != nullptr) return Answer::kTaken;
-          } else if constexpr (std::is_same_v<E, toolkit::OptionChosen>) {
-            QRadioButton* const option = widget->findChildren<QRadioButton*>().value(e.option);
-            if (option == nullptr) return Answer::kNoSuchEntry;
-            Press(option);
-            return Answer::kTaken;
-          } else if constexpr (std::is_same_v<E, toolkit::DaySet>) {
-            if (auto* edit = qobject_cast<QLineEdit*>(widget)) return Do(edit, korvo::DayText(e.day));
-          } else if constexpr (std::is_same_v<E, toolkit::EntrySelected>) {
-            if (auto* box = qobject_cast<QComboBox*>(widget)) return Choose(box, e.position);
-          } else if constexpr (std::is_same_v<E, toolkit::RowTicked>) {
-            if (auto* list = qobject_cast<QListView*>(widget)) return Tick(list, e.row, e.on);
-          } else if constexpr (std::is_same_v<E, toolkit::RowSelected>) {
-            if (auto* list = qobject_cast<QListView*>(widget)) {
-              list->setCurrentIndex(list->model()->index(e.row, 0));
-              return Answer::kTaken;
-            }
-          } else {
-            auto* const tabs = qobject_cast<QTabWidget*>(widget);
-            if (tabs != nullptr && (e.page < 0 || e.page >= tabs->count())) return Answer::kNoSuchEntry;
-            if (tabs != nullptr) {
-              QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, tabs->tabBar()->tabRect(e.page).center());
-              return Answer::kTaken;
-            }
-          }
-          return Answer::kWrongKind;
+          if (widget == nullptr) return Answer::kHidden;
+          return widget->isEnabled() ? ActOn<E>(widget, e, &Act) : Answer::kDisabled;
+        } else {
+          return window.close(), Answer::kTaken;
         }
       },
       event);
+}
+
+void PickFile(QWidget* picker, const QString& path) {
+  auto* const name = picker->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  name->setText(path);
+  QTest::keyClick(name, Qt::Key_Return);
 }
 
 std::string Difference(const korvo::DialogWindow& window) {

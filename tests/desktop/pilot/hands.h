@@ -20,6 +20,9 @@ Widget* Find(const QWidget& window, int id) {
 /// Does what the event means. What no person can do to the window as it stands is not done and answered as such.
 toolkit::Answer Do(korvo::DialogWindow& window, const toolkit::Event& event);
 
+/// Types the path, or a part of one, into a picker and confirms it.
+void PickFile(QWidget* picker, const QString& path);
+
 /// Where the window shows something else than its controls hold; empty for nowhere.
 std::string Difference(const korvo::DialogWindow& window);
 

@@ -157,12 +157,10 @@ class Pilot {
       QTest::keyClick(&picker, Qt::Key_Escape);
       return;
     }
-    auto* const name = picker.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     // A bare name is for the picker to find a folder for, once it has one to remember.
     const QString path = korvo::FromAnsi(korvo::Unquote(command));
     const bool bare = std::exchange(picked_, true) && !path.contains(QChar(u'/'));
-    name->setText(bare ? path : QDir::current().absoluteFilePath(path));
-    QTest::keyClick(name, Qt::Key_Return);
+    pilot::PickFile(&picker, bare ? path : QDir::current().absoluteFilePath(path));
   }
 
   QAction* Entry(int number) { return main_.findChild<QAction*>(QStringLiteral("command_%1").arg(number)); }
