@@ -10,27 +10,9 @@ import dbase
 from console import MENU, TIMEOUT, ProjectCase
 
 
-def patched(at, new):
-    return lambda data: data[:at] + new + data[at + len(new):]
-
-
-def without_terminator(data):
-    header = int.from_bytes(data[8:10], "little")
-    return data[:header - 1] + b" " + data[header:]
-
-
-def broken_flag(data):
-    header, size = int.from_bytes(data[8:10], "little"), int.from_bytes(data[10:12], "little")
-    return patched(header + 4 * size, b"X")(data)
-
-
 REFUSED = {
-    "header length": patched(8, b"\xff\x01"),
-    "record length": patched(10, b"\xd2"),
-    "no terminator": without_terminator,
-    "header cut": lambda data: data[:100],
+    "record length": lambda data: data[:10] + b"\xd2" + data[11:],
     "record cut": lambda data: data[:-60],
-    "no record where one is counted": broken_flag,
     "zeros": lambda data: bytes(len(data)),
 }
 
