@@ -277,23 +277,18 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
   EXPECT_EQ(closed, 5);
 }
 
-TEST_F(Window, SaysThatItEndsAPickForAnotherProject) {
+TEST_F(Window, EndsAPickForAnotherProjectAndSaysSo) {
   std::filesystem::create_directory(folder_.File("anderes"));
   std::filesystem::copy(path_, folder_.File("anderes"));
-  const QString other = QString::fromStdString(folder_.File("anderes/punkte.dbf"));
-  for (const Qt::Key key : {Qt::Key_F5, Qt::Key_O}) {
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
-    QTimer::singleShot(100, [&] {
-      EXPECT_TRUE(Find<QWidget>("end_pick")->isVisible());
-      if (key == Qt::Key_O) QTimer::singleShot(0, [&] { PickFile(other); });
-      QTest::keyClick(&window_, key, key == Qt::Key_O ? Qt::ControlModifier : Qt::NoModifier);
-    });
-    Find<QAction>("command_6")->trigger();
-    EXPECT_FALSE(waits_.plugin_runs());
-    EXPECT_EQ(window_.statusBar()->currentMessage(), QStringLiteral("Die Punktabfrage wurde beendet."));
-    window_.statusBar()->clearMessage();
-  }
+  QTimer::singleShot(100, [&] {
+    EXPECT_TRUE(Find<QWidget>("end_pick")->isVisible());
+    QTimer::singleShot(0, [&] { PickFile(QString::fromStdString(folder_.File("anderes/punkte.dbf"))); });
+    QTest::keyClick(&window_, Qt::Key_O, Qt::ControlModifier);
+  });
+  Find<QAction>("command_6")->trigger();
+  EXPECT_FALSE(waits_.plugin_runs());
   EXPECT_EQ(window_.windowTitle(), QStringLiteral("Korvo – anderes"));
+  EXPECT_EQ(window_.statusBar()->currentMessage(), QStringLiteral("Die Punktabfrage wurde beendet."));
 }
 
 TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
@@ -370,8 +365,7 @@ TEST_F(Window, IsClosedFromItsOwnPickersAndTheirQuestion) {
       };
       QTimer::singleShot(0, open);
       plugin_waits ? window_.StartPlugin() : QTest::qWait(50);
-      EXPECT_FALSE(window_.isVisible() || waits_.plugin_runs());
-      EXPECT_EQ(front_end_.front(), nullptr);
+      EXPECT_FALSE(window_.isVisible() || waits_.plugin_runs() || front_end_.front() != nullptr);
     }
   }
   EXPECT_EQ(QFileInfo(map).size(), 3);
