@@ -41,8 +41,11 @@ std::size_t largest_piece = SIZE_MAX;
 
 }  // namespace
 
+void* operator new(std::size_t size, const std::nothrow_t& /*none*/) noexcept {
+  return size > largest_piece ? nullptr : std::malloc(size);
+}
 void* operator new(std::size_t size) {
-  void* const piece = size > largest_piece ? nullptr : std::malloc(size);
+  void* const piece = operator new(size, std::nothrow);
   return piece != nullptr ? piece : throw std::bad_alloc();
 }
 void operator delete(void* piece) noexcept { std::free(piece); }
