@@ -219,7 +219,7 @@ QString DesktopFrontEnd::RunPicker(Picker* picker, bool ask_before_overwrite, st
     waits_.AtEdge([&] { taken = CanTell(chosen) && (!ask_before_overwrite || MayOverwrite(chosen)); });
     return taken;
   };
-  const QString chosen = picker->Ask(waits_, guard_);
+  QString chosen = picker->Ask(waits_, guard_);
   if (!chosen.isEmpty()) *path = path::FromDisk(chosen.toStdString()).value();
   return chosen;
 }
