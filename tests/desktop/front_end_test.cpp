@@ -14,10 +14,7 @@
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QTreeView>
-#include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -33,23 +30,6 @@
 #include "tests/desktop/pilot/hands.h"
 #include "tests/support/fault_leaks.h"
 #include "tests/support/temp_folder.h"
-
-namespace {
-
-/// No memory is left for larger pieces.
-std::size_t largest_piece = SIZE_MAX;
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t& /*none*/) noexcept {
-  return size > largest_piece ? nullptr : std::malloc(size);
-}
-void* operator new(std::size_t size) {
-  void* const piece = operator new(size, std::nothrow);
-  return piece != nullptr ? piece : throw std::bad_alloc();
-}
-void operator delete(void* piece) noexcept { std::free(piece); }
-void operator delete(void* piece, std::size_t /*size*/) noexcept { std::free(piece); }
 
 namespace {
 
@@ -352,35 +332,24 @@ TEST_F(Windows, FaultOfTheToolkitItselfEndsTheProgram) {
   EXPECT_THROW(Run(dialog), std::runtime_error);
 }
 
-TEST_F(Windows, WhatTheyThemselvesThrowComesOutBehindTheLoop) {
-  constexpr std::size_t kLeft = 20'000;
-  TextField edit(9001, "Text:");
-  toolkit::Button longer(9002, "Länger"_ansi);
-  edit.text = std::string(kLeft / 2, 'x');
-  PlayedDlg dialog({&edit, &longer});
-  dialog.rule = [&](toolkit::ControlId) {
-    longer.SetLabel(std::string(2 * kLeft, 'x'));
-    largest_piece = kLeft;
-  };
-  const std::function<void(QWidget*)> kActs[] = {
-      [&](QWidget* window) {
-        auto* const field = pilot::Find<QLineEdit>(*window, 9001);
-        field->deselect();
-        largest_piece = kLeft;
-        QTest::keyClick(field, Qt::Key_X);
-      },
-      [](QWidget* window) { QTest::mouseClick(pilot::Find(*window, 9002), Qt::LeftButton); },
-  };
-  for (const auto& act : kActs) {
-    bool came_back = false;
-    Then([&](QWidget* window) {
-      act(window);
-      largest_piece = SIZE_MAX;
-      came_back = true;
-    });
-    EXPECT_THROW(Run(dialog), std::bad_alloc);
-    EXPECT_TRUE(came_back) << "not through the toolkit";
+TEST_F(Windows, ThrowNothingThroughTheToolkit) {
+  TextField edit(9001, "");
+  toolkit::TickBox box(9002, "");
+  toolkit::Button button(9003, "");
+  int caught = 0;
+  const korvo::ControlView::Ways ways{korvo::Edge([&] { ++caught; }), [](const toolkit::Event&) { throw 7; }};
+  for (const toolkit::Control* control : std::initializer_list<const toolkit::Control*>{&edit, &box, &button}) {
+    const auto view = korvo::MakeView(*control, &shell.window, ways);
+    EXPECT_NO_THROW(QTest::keyClick(view->widget(), Qt::Key_Space)) << control->id();
   }
+  EXPECT_EQ(caught, 3);
+
+  korvo::Waits::Wait wait(waits, [] {});
+  PlayedDlg dialog({});
+  dialog.Handle(toolkit::Opened{});
+  korvo::DialogWindow window(dialog, waits, nullptr, [] { throw std::runtime_error("Ende"); });
+  EXPECT_NO_THROW(window.reject());
+  EXPECT_THROW(wait.Run(), std::runtime_error);
 }
 
 TEST_F(Windows, LeavingClosesAllThatIsOpenAndThenTheMenu) {
