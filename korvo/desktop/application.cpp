@@ -30,6 +30,7 @@ void SetUpApplication(QApplication& application) {
     QApplication::installTranslator(translator);
   }
   QApplication::setStyle(new Style);
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the style is the application's own now
   QApplication::setApplicationName(QStringLiteral("Korvo"));
   QApplication::setQuitOnLastWindowClosed(false);
 }
