@@ -124,9 +124,9 @@ bool Console::DoPointCommand(std::string_view command) {
   std::string_view rest = command;
   const std::string_view verb = TakeWord(&rest);
   if (verb != "punkte" && verb != "punkt") return false;
-  std::string why;
-  if (!RefreshPointTable(&why)) {
-    terminal_.Refuse("Die Punkttabelle ist nicht lesbar: "_ansi + why);
+  std::string note;
+  if (!RefreshPointTable(&note)) {
+    terminal_.Refuse(note);
   } else if (verb == "punkte") {
     ListPoints(rest.empty() ? "*" : Unquote(rest));
   } else {

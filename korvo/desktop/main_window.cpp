@@ -206,8 +206,9 @@ void MainWindow::Reload() {
   if (opened_.isEmpty()) return;
   WithoutPlugin([this] {
     if (!WhyOnlyLooking().empty()) return Open(opened_);
-    std::string why;
-    if (!RefreshPointTable(&why)) project_notice_->Show(AsLines(why));
+    std::string note;
+    RefreshPointTable(&note);
+    project_notice_->Show(AsLines(note));
     ReadPoints();
   });
 }
@@ -354,8 +355,9 @@ void MainWindow::StartPlugin() {
   const bool left = waits_.RunPlugin([&] { called = korvo::RunPlugin(library_, &why); });
   pending_.reset();
   if (!called) project_notice_->Show(AsLines(why));
-  std::string ignored;
-  if (RefreshPointTable(&ignored)) ReadPoints();
+  std::string note;
+  if (!RefreshPointTable(&note) && called) project_notice_->Show(AsLines(note));
+  ReadPoints();
   UpdateActions();
   if (left) {
     close();

@@ -48,7 +48,9 @@ bool RunPlugin(const std::string& library_on_disk, std::string* why) {
     if (reason != nullptr) *why += kSystemSays + text::FromUtf8Lossy(reason) + ")";
     return false;
   }
+  host.plugin_runs = true;
   reinterpret_cast<std::int32_t (*)(HostState**)>(entry)(&V2_VAR);
+  host.plugin_runs = false;
   SyncTables(host);
   return true;
 }

@@ -91,8 +91,7 @@ bool HasCompanion(TableSlot& slot, const std::string& points, const char* extens
 std::string NoteOnLongNumbers(Host& host) {
   Table& table = host.points.table;
   constexpr int kLongest = sizeof(HostPoint::pt_no) - 1;
-  if (!table.IsOpen() || host.pt_no < 0 || table.columns()[static_cast<std::size_t>(host.pt_no)].width <= kLongest)
-    return {};
+  if (host.pt_no < 0 || table.columns()[static_cast<std::size_t>(host.pt_no)].width <= kLongest) return {};
   std::int32_t left_out = 0;
   for (std::int32_t i = 1; i <= table.count(); ++i) {
     std::string_view record;
@@ -106,6 +105,20 @@ std::string NoteOnLongNumbers(Host& host) {
 void AddLine(std::string* lines, const std::string& line) {
   if (!line.empty() && !lines->empty()) *lines += '\n';
   *lines += line;
+}
+
+/// Opens the point table from the disk and adds what the person should know of it. False where it cannot be read.
+bool OpenWithNote(Host& host, std::string* note) {
+  std::string why;
+  if (!OpenPoints(host, &why)) {
+    AddLine(note, std::string("Die Punkttabelle ist nicht lesbar: "_ansi) + why);
+    return false;
+  }
+  if (host.only_looking.empty() && !host.points.table.writable()) {
+    AddLine(note, "Die Punkttabelle ist schreibgeschützt."_ansi);
+  }
+  AddLine(note, NoteOnLongNumbers(host));
+  return true;
 }
 
 }  // namespace
@@ -152,14 +165,9 @@ OpenedProject OpenProject(const std::string& named_on_disk) {
   host.name = path::FileName(folder);
   SetPath(host.points, table);
   host.state.points = &host.points.handle;
-  std::string why;
   // A table that is no regular one is the plug-in's to judge, in its own words.
-  if (!OpenPoints(host, &why)) {
-    AddLine(&opened.note, std::string("Die Punkttabelle ist nicht lesbar: "_ansi) + why);
-  } else if (host.only_looking.empty() && !host.points.table.writable()) {
-    AddLine(&opened.note, "Die Punkttabelle ist schreibgeschützt."_ansi);
-  }
-  AddLine(&opened.note, NoteOnLongNumbers(host));
+  OpenWithNote(host, &opened.note);
+  std::string why;
   if (HasCompanion(host.dba, table, "dba") && OpenOther(host, host.dba, &why)) host.state.dba = &host.dba.handle;
   if (HasCompanion(host.dbv, table, "dbv") && OpenOther(host, host.dbv, &why)) host.state.dbv = &host.dbv.handle;
   if (HasCompanion(host.dbh, table, "dbh") && OpenOther(host, host.dbh, &why)) host.state.dbh = &host.dbh.handle;
@@ -185,13 +193,14 @@ const std::string& ProjectFolder() { return TheHost().folder; }
 std::string PointTablePath() { return TheHost().points.handle.path; }
 const std::string& WhyOnlyLooking() { return TheHost().only_looking; }
 
-bool RefreshPointTable(std::string* why) {
+bool RefreshPointTable(std::string* note) {
   Host& host = TheHost();
+  note->clear();
   if (host.folder.empty()) {
-    *why = "Es ist kein Projekt geöffnet."_ansi;
+    *note = "Es ist kein Projekt geöffnet."_ansi;
     return false;
   }
-  return (host.points.table.IsOpen() && host.only_looking.empty()) || OpenPoints(host, why);
+  return (host.plugin_runs && host.points.table.IsOpen()) || OpenWithNote(host, note);
 }
 
 }  // namespace korvo

@@ -34,8 +34,9 @@ std::string PointTablePath();
 /// Empty where the project may be worked on, otherwise why it may only be looked at, in German.
 const std::string& WhyOnlyLooking();
 
-/// Opens the point table if it is closed, and again if the project may only be looked at, since somebody else may have
-/// written it anew. False, with the reason, where that fails.
-bool RefreshPointTable(std::string* why);
+/// Opens the point table from the disk, since somebody else may have written it or put another in its place; while a
+/// plug-in runs only where it is closed, since the plug-in's references to columns end with an opening. False where
+/// that fails. The note is that of OpenedProject, or the reason.
+bool RefreshPointTable(std::string* note);
 
 }  // namespace korvo

@@ -22,6 +22,7 @@ struct Host {
   int pt_no = -1, east = -1, north = -1, elev = -1;
   Table* current = nullptr;  ///< of d4select
   FrontEnd* front_end = nullptr;
+  bool plugin_runs = false;
 
   std::string name, folder, only_looking;
   ProjectLock lock;

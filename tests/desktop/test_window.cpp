@@ -224,6 +224,29 @@ TEST_F(Window, ShowsAtOnceWhatIsWritten) {
   EXPECT_EQ(window_.points().CountOf(korvo::PointState::kPlain), 1);
 }
 
+TEST_F(Window, ReloadsTheTableThatIsThereNow) {
+  const std::string bytes = support::BytesOf(path_);
+  const std::size_t number = bytes.find("1001");
+  const struct {
+    const char* number;
+    bool in_place;
+    std::size_t size;
+    const char* notice;
+  } kTables[] = {{"2001", true, bytes.size(), ""},
+                 {"3001", false, bytes.size(), ""},
+                 {"", false, 40, "nicht lesbar"},
+                 {"4001", true, bytes.size(), ""}};
+  for (const auto& t : kTables) {
+    const std::string other = std::string(bytes).replace(number, 4, t.number).substr(0, t.size);
+    const std::string written = folder_.Write(t.in_place ? "punkte.dbf" : "sicherung", other);
+    std::filesystem::rename(written, path_);
+    window_.Reload();
+    EXPECT_EQ(window_.points().count() > 0 ? window_.points().Number(0) : "", t.number);
+    EXPECT_EQ(Find<QWidget>("project_notice")->isVisible(), *t.notice != '\0') << t.number;
+    EXPECT_TRUE(*t.notice == '\0' || Notices(t.notice));
+  }
+}
+
 TEST_F(Window, StaysUsableWhenAProjectCannotBeOpened) {
   std::filesystem::create_directory(folder_.File("leer"));
   folder_.Write("brief.txt", "kein dBase");
@@ -260,19 +283,25 @@ TEST_F(Window, OfASecondUserOnlyShows) {
 
 TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
   int closed = 0;
+  std::string bytes = support::BytesOf(path_);
+  const std::size_t at = bytes.find("1001");
   QObject::connect(&window_, &korvo::MainWindow::Closed, [&] { ++closed; });
   for (const int command : {6, 2, 4, 8, 10}) {
+    const std::string number = std::to_string(2000 + command);
     window_.show();
     QTimer::singleShot(100, [&] {
       EXPECT_EQ(Find<QWidget>("end_pick")->isVisible(), command == 6);
       EXPECT_EQ(front_end_.front() != nullptr, command != 6);
       EXPECT_GE(window_.points().FindColumn("NE_WEPO"), 0);
+      bytes.replace(at, 4, number);
+      std::filesystem::rename(folder_.Write("sicherung", bytes), path_);
       window_.close();
       EXPECT_TRUE(window_.isVisible()) << "not before the plug-in has ended";
     });
     Find<QAction>(("command_" + std::to_string(command)).c_str())->trigger();
     EXPECT_FALSE(waits_.plugin_runs());
     EXPECT_FALSE(window_.isVisible());
+    EXPECT_EQ(window_.points().Number(0), number) << "the table that is there now";
   }
   EXPECT_EQ(closed, 5);
 }
