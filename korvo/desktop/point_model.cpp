@@ -42,15 +42,27 @@ bool Contains(std::string_view text, std::string_view small) {
                      [&fold](char a, char b) { return fold(a) == b; }) != text.end();
 }
 
-bool AllDigits(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+std::string_view Without(char padding, std::string_view text) {
+  return text.substr(std::min(text.find_first_not_of(padding), text.size()));
 }
 
 /// Numbers of points by their value, in front of those with letters.
-int Compare(std::string_view a, std::string_view b) {
-  if (AllDigits(a) && AllDigits(b) && a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
-  return text::CompareGerman(a, b);
-}
+struct TextKey {
+  TextKey() = default;
+  explicit TextKey(std::string_view all) : text(all), value(Without(' ', all)) {
+    is_number = value.find_first_not_of("0123456789") == std::string_view::npos;
+    value = Without('0', value);
+  }
+  bool operator<(const TextKey& other) const {
+    if (is_number != other.is_number) return is_number;
+    if (is_number && value.size() != other.value.size()) return value.size() < other.value.size();
+    if (is_number && value != other.value) return value < other.value;
+    return text::CompareGerman(text, other.text) < 0;
+  }
+
+  std::string_view text, value;
+  bool is_number = true;
+};
 
 }  // namespace
 
@@ -114,22 +126,22 @@ void PointModel::Arrange() {
   for (int i = 0; i < points_.count(); ++i) {
     if (Fits(i)) rows_.push_back(i);
   }
-  if (sorted_by_ >= 0) {
-    const bool up = order_ == Qt::AscendingOrder;
-    const auto by = [up](auto compared) { return up ? compared < 0 : compared > 0; };
-    if (points_.columns()[static_cast<std::size_t>(sorted_by_)].type == 'N') {
-      std::vector<double> keys(static_cast<std::size_t>(points_.count()));
-      for (const int p : rows_) keys[static_cast<std::size_t>(p)] = ParseNumber(points_.Field(p, sorted_by_));
-      std::stable_sort(rows_.begin(), rows_.end(), [&](int a, int b) {
-        return by(keys[static_cast<std::size_t>(a)] - keys[static_cast<std::size_t>(b)]);
-      });
-    } else {
-      std::stable_sort(rows_.begin(), rows_.end(), [&](int a, int b) {
-        return by(Compare(points_.Field(a, sorted_by_), points_.Field(b, sorted_by_)));
-      });
-    }
+  if (sorted_by_ >= 0 && points_.columns()[static_cast<std::size_t>(sorted_by_)].type == 'N') {
+    SortBy(ParseNumber);
+  } else if (sorted_by_ >= 0) {
+    SortBy([](std::string_view text) { return TextKey(text); });
   }
   Number();
+}
+
+template <typename KeyOf>
+void PointModel::SortBy(KeyOf key_of) {
+  std::vector<decltype(key_of({}))> keys(static_cast<std::size_t>(points_.count()));
+  for (const int p : rows_) keys[static_cast<std::size_t>(p)] = key_of(points_.Field(p, sorted_by_));
+  const bool up = order_ == Qt::AscendingOrder;
+  std::stable_sort(rows_.begin(), rows_.end(), [&](int a, int b) {
+    return keys[static_cast<std::size_t>(up ? a : b)] < keys[static_cast<std::size_t>(up ? b : a)];
+  });
 }
 
 void PointModel::Number() {

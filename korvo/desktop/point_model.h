@@ -52,6 +52,8 @@ class PointModel : public QAbstractTableModel {
  private:
   bool Fits(int point) const;
   void Arrange();
+  template <typename KeyOf>
+  void SortBy(KeyOf key_of);
   void Number();
 
   const PointSet& points_;

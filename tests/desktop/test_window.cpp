@@ -15,6 +15,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <set>
@@ -244,6 +245,22 @@ TEST_F(Window, ReloadsTheTableThatIsThereNow) {
     EXPECT_EQ(window_.points().count() > 0 ? window_.points().Number(0) : "", t.number);
     EXPECT_EQ(Find<QWidget>("project_notice")->isVisible(), *t.notice != '\0') << t.number;
     EXPECT_TRUE(*t.notice == '\0' || Notices(t.notice));
+  }
+}
+
+TEST_F(Window, OrdersNumbersByValueInFrontOfOthers) {
+  std::vector<const char*> numbers = {"1a", "9", "10", "2", "11b", "100", "007", "   8"};
+  const QAbstractItemModel& rows = *Find<QTableView>("table")->model();
+  for (const char* const order : {"in the file", "the other way round"}) {
+    TableFile table(support::HostColumns());
+    for (const char* number : numbers) table.Add({{"PT_NO", number}});
+    folder_.Write("punkte.dbf", table.Bytes());
+    window_.Reload();
+    Find<QTableView>("table")->sortByColumn(0, Qt::AscendingOrder);
+    std::string shown;
+    for (int i = 0; i < rows.rowCount(); ++i) shown += rows.index(i, 0).data().toString().trimmed().toStdString() + " ";
+    EXPECT_EQ(shown, "2 007 8 9 10 100 11b 1a ") << order;
+    std::reverse(numbers.begin(), numbers.end());
   }
 }
 
