@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "korvo/host/points.h"
@@ -79,8 +80,9 @@ void PointSet::Interpret(int point) {
   const auto at = static_cast<std::size_t>(point);
   PointState state = PointState::kPlain;
   if (static_cast<std::int64_t>(ParseNumber(Field(point, kind_))) != 0) {
+    constexpr PointState kActions[] = {PointState::kNew, PointState::kReplace, PointState::kDelete};
     const auto action = static_cast<std::int64_t>(ParseNumber(Field(point, action_)));
-    state = action == 1 ? PointState::kReplace : action == 2 ? PointState::kDelete : PointState::kNew;
+    state = action >= 0 && action < std::ssize(kActions) ? kActions[action] : PointState::kUnknown;
   }
   --counts_[static_cast<std::size_t>(states_[at])];
   ++counts_[static_cast<std::size_t>(state)];
@@ -89,7 +91,7 @@ void PointSet::Interpret(int point) {
   Place& place = places_[at];
   place.east = ParseNumber(Field(point, east_));
   place.north = ParseNumber(Field(point, north_));
-  place.here = (place.east != 0 || place.north != 0) && std::abs(place.east) < kOutOfThisWorld &&
+  place.here = place.east != 0 && place.north != 0 && std::abs(place.east) < kOutOfThisWorld &&
                std::abs(place.north) < kOutOfThisWorld;
   if (place.east >= kFirstWithZone) place.east = std::fmod(place.east, kZone);
 }

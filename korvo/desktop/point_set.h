@@ -11,9 +11,10 @@
 
 namespace korvo {
 
-/// What the export is to do with a point, as its columns say it; a point without attributes is plain.
-enum class PointState : std::uint8_t { kPlain, kNew, kReplace, kDelete };
-inline constexpr int kPointStates = 4;
+/// What the export is to do with a point, as its columns say it; a point without attributes is plain. One with an
+/// action of no meaning is refused by the export.
+enum class PointState : std::uint8_t { kPlain, kNew, kReplace, kDelete, kUnknown };
+inline constexpr int kPointStates = 5;
 
 /// A rectangle of the map in metres, borders included.
 struct MapBox {
@@ -55,7 +56,7 @@ class PointSet {
   PointState State(int point) const { return states_[static_cast<std::size_t>(point)]; }
   int CountOf(PointState state) const { return counts_[static_cast<std::size_t>(state)]; }
 
-  /// A point whose coordinates are missing or both 0 has no place and is not on the map.
+  /// A point with a coordinate that is missing or 0 has no place and is not on the map.
   bool HasPlace(int point) const { return places_[static_cast<std::size_t>(point)].here; }
   int without_place() const { return without_place_; }
   bool HasAnyPlace() const { return count() > without_place_; }

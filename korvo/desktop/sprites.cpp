@@ -43,6 +43,8 @@ QColor ColourOf(PointState state) {
       return {0x1d, 0x5f, 0xd1};
     case PointState::kDelete:
       return {0xc8, 0x1e, 0x1e};
+    case PointState::kUnknown:
+      return {0xb4, 0x5a, 0x00};
     case PointState::kPlain:
       break;
   }
@@ -57,6 +59,8 @@ QString NameOf(PointState state) {
       return QStringLiteral("ersetzen");
     case PointState::kDelete:
       return QStringLiteral("löschen");
+    case PointState::kUnknown:
+      return QStringLiteral("Aktion unbekannt");
     case PointState::kPlain:
       break;
   }
@@ -76,6 +80,12 @@ void DrawMark(QPainter& painter, PointState state, QPointF centre, double size) 
       const QPointF corners[] = {centre + QPointF(0, -r * 1.1), centre + QPointF(r * 1.1, r * 0.85),
                                  centre + QPointF(-r * 1.1, r * 0.85)};
       painter.drawPolygon(corners, 3);
+      break;
+    }
+    case PointState::kUnknown: {
+      const QPointF corners[] = {centre + QPointF(0, -r * 1.2), centre + QPointF(r * 1.2, 0),
+                                 centre + QPointF(0, r * 1.2), centre + QPointF(-r * 1.2, 0)};
+      painter.drawPolygon(corners, 4);
       break;
     }
     case PointState::kReplace:

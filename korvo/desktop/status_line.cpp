@@ -16,7 +16,9 @@ QString Metres(double value) { return QLocale().toString(value, 'f', 3); }
 
 StatusLine::StatusLine(QWidget* parent) : QStatusBar(parent) {
   for (int i = 0; i < kPointStates; ++i) {
-    AddLabel()->setPixmap(IconOf(static_cast<PointState>(i)).pixmap(QSize(16, 16), devicePixelRatioF()));
+    marks_[static_cast<std::size_t>(i)] = AddLabel();
+    marks_[static_cast<std::size_t>(i)]->setPixmap(
+        IconOf(static_cast<PointState>(i)).pixmap(QSize(16, 16), devicePixelRatioF()));
     counts_[static_cast<std::size_t>(i)] = AddLabel();
   }
   without_place_ = AddLabel();
@@ -37,6 +39,10 @@ void StatusLine::ShowCounts(const PointSet& points) {
     const auto state = static_cast<PointState>(i);
     counts_[static_cast<std::size_t>(i)]->setText(
         QStringLiteral("%1 %2").arg(QLocale().toString(points.CountOf(state)), NameOf(state)));
+  }
+  const auto unknown = static_cast<std::size_t>(PointState::kUnknown);
+  for (QLabel* label : {marks_[unknown], counts_[unknown]}) {
+    label->setVisible(points.CountOf(PointState::kUnknown) > 0);
   }
   without_place_->setVisible(points.without_place() > 0);
   without_place_->setText(QStringLiteral("%1 ohne Koordinaten").arg(QLocale().toString(points.without_place())));

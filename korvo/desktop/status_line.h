@@ -24,6 +24,7 @@ class StatusLine : public QStatusBar {
  private:
   QLabel* AddLabel();
 
+  std::array<QLabel*, kPointStates> marks_{};
   std::array<QLabel*, kPointStates> counts_{};
   QLabel* without_place_;
   QLabel* place_;

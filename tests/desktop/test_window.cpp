@@ -225,6 +225,31 @@ TEST_F(Window, ShowsAtOnceWhatIsWritten) {
   EXPECT_EQ(window_.points().CountOf(korvo::PointState::kPlain), 1);
 }
 
+TEST_F(Window, TakesPointsForWhatTheirColumnsSay) {
+  using korvo::PointState;
+  const struct {
+    const char *east, *north, *kind, *action;
+    bool placed;
+    PointState state;
+  } kPoints[] = {{"649900", "5651000", "1", "", true, PointState::kNew},
+                 {"649900", "", "3", "2", false, PointState::kDelete},
+                 {"", "5651000", "1", "3", false, PointState::kUnknown},
+                 {"649910", "0", "1", "-1", false, PointState::kUnknown},
+                 {"649910", "5651010", "0", "3", true, PointState::kPlain}};
+  TableFile table(support::PointColumns());
+  for (const auto& p : kPoints)
+    table.Add({{"EAST", p.east}, {"NORTH", p.north}, {"NE_PO", p.kind}, {"NE_AKTION", p.action}});
+  folder_.Write("punkte.dbf", table.Bytes());
+  window_.Reload();
+  const korvo::PointSet& points = window_.points();
+  for (int i = 0; i < points.count(); ++i) {
+    EXPECT_EQ(points.HasPlace(i), kPoints[i].placed) << i;
+    EXPECT_EQ(points.State(i), kPoints[i].state) << i;
+  }
+  EXPECT_EQ(points.bounds().south, 5651000);
+  EXPECT_EQ(points.CountOf(PointState::kUnknown), 2);
+}
+
 TEST_F(Window, ReloadsTheTableThatIsThereNow) {
   const std::string bytes = support::BytesOf(path_);
   const std::size_t number = bytes.find("1001");
