@@ -127,7 +127,8 @@ bool Table::ReadHeader(std::string* why) {
   }
   // Some dialects keep room between the end of the descriptors and the first record.
   first_record_ = std::max<std::uint64_t>(LittleEndian(&head[8], 2), end);
-  if (!CountRecords(facts.size, LittleEndian(&head[4], 4))) {
+  promised_ = LittleEndian(&head[4], 4);
+  if (!CountRecords(facts.size)) {
     *why = "Die Datei kann nicht gelesen werden."_ansi;
     return false;
   }
@@ -160,11 +161,11 @@ bool Table::ReadColumns(std::uint64_t* end, std::string* why) {
   return false;
 }
 
-bool Table::CountRecords(std::uint64_t size, std::uint32_t promised) {
+bool Table::CountRecords(std::uint64_t size) {
   const std::uint64_t room = size > first_record_ ? (size - first_record_) / record_size_ : 0;
   const std::uint64_t most = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
   count_ = static_cast<std::int32_t>(std::min(room, most));
-  if (room == promised) return true;
+  if (room == promised_) return true;
   // The header and the file disagree: what counts is how many records stand there one behind the other.
   std::int32_t standing = 0;
   for (; standing < count_; ++standing) {

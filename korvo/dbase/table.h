@@ -52,6 +52,8 @@ class Table {
   std::uint32_t opening() const { return opening_; }
 
   std::int32_t count() const { return count_; }
+  /// What the header says.
+  std::uint32_t promised() const { return promised_; }
   const std::vector<Column>& columns() const { return columns_; }
   /// Position of the first column whose name agrees in its first ten characters, case heeded; -1 for none.
   int Find(std::string_view name) const;
@@ -78,7 +80,7 @@ class Table {
  private:
   bool ReadHeader(std::string* why);
   bool ReadColumns(std::uint64_t* end, std::string* why);
-  bool CountRecords(std::uint64_t size, std::uint32_t promised);
+  bool CountRecords(std::uint64_t size);
   bool Fetch(std::int32_t number);
   bool LoadCurrent();
   std::uint64_t PlaceOf(std::int32_t number) const;
@@ -92,6 +94,7 @@ class Table {
   std::uint64_t first_record_ = 0;  ///< offset in the file
   std::size_t record_size_ = 0;
   std::int32_t count_ = 0;
+  std::uint32_t promised_ = 0;
 
   std::vector<char> block_;
   std::int32_t block_first_ = 1;

@@ -49,7 +49,7 @@ bool ProjectLock::Take(const std::string& table_on_disk, std::string* why) {
   const int error = platform::LastSystemError();
   // A file that somebody else left behind may be locked without being written.
   if (!open && !file_.OpenOnDisk(path, platform::OpenMode::kRead)) {
-    *why = std::string("Das Projekt kann nicht gesperrt werden ("_ansi) + platform::SystemErrorText(error) + ").";
+    *why = std::string("Das Projekt kann nicht gesperrt werden: "_ansi) + platform::SystemErrorText(error);
     return false;
   }
   if (!platform::Files().TryLock(file_.handle())) {

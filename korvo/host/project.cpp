@@ -99,7 +99,15 @@ std::string NoteOnLongNumbers(Host& host) {
     if (table.Read(i, &record) == Table::Got::kRead && !ReadPoint(i, &point)) ++left_out;
   }
   if (left_out == 0) return {};
+  if (left_out == 1) return "1 Punkt hat eine Nummer mit mehr als 15 Zeichen und wird übergangen."_ansi;
   return std::to_string(left_out) + " Punkte haben Nummern mit mehr als 15 Zeichen und werden übergangen."_ansi;
+}
+
+std::string NoteOnMissingRecords(const Table& table) {
+  const auto there = static_cast<std::uint32_t>(table.count());
+  if (there >= table.promised()) return {};
+  return std::string("Die Punkttabelle ist unvollständig. Sätze laut Dateikopf: "_ansi) +
+         std::to_string(table.promised()) + ", vorhanden: " + std::to_string(there) + ".";
 }
 
 void AddLine(std::string* lines, const std::string& line) {
@@ -117,6 +125,7 @@ bool OpenWithNote(Host& host, std::string* note) {
   if (host.only_looking.empty() && !host.points.table.writable()) {
     AddLine(note, "Die Punkttabelle ist schreibgeschützt."_ansi);
   }
+  AddLine(note, NoteOnMissingRecords(host.points.table));
   AddLine(note, NoteOnLongNumbers(host));
   return true;
 }

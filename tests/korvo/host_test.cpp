@@ -157,10 +157,37 @@ TEST_F(Project, PathsThatTheHostCannotHoldAreRefusedInWordsUnlessALinkLeadsThere
   }
 }
 
+TEST_F(Project, OpensWithANoteOnPointsThatAreLeftOut) {
+  const std::string whole = "123456789012345", longer = "1234567890123456";
+  const struct {
+    std::vector<std::string> numbers;
+    std::size_t cut;
+    const char* note;
+  } kCases[] = {
+      {{whole, whole}, 0, ""},
+      {{whole, longer},
+       0,
+       "1 Punkt hat eine Nummer mit mehr als 15 Zeichen und wird \xFC"
+       "bergangen."},
+      {{longer, longer},
+       0,
+       "2 Punkte haben Nummern mit mehr als 15 Zeichen und werden \xFC"
+       "bergangen."},
+      {{whole, whole}, 5, "Die Punkttabelle ist unvollst\xE4ndig. S\xE4tze laut Dateikopf: 2, vorhanden: 1."},
+  };
+  for (const auto& c : kCases) {
+    support::TableFile table({{"PT_NO", 'C', 20}});
+    for (const std::string& number : c.numbers) table.Add({{"PT_NO", number}});
+    folder.Write("punkte.dbf", table.Bytes().substr(0, table.Bytes().size() - c.cut));
+    EXPECT_EQ(korvo::OpenProject(folder.path()).note, c.note);
+  }
+}
+
 TEST_F(Project, ThatCannotBeLockedIsOnlyLookedAtAndSaysWhy) {
   folder.Write("punkte.dbf", bytes);
   fs::create_symlink("nirgends", folder.File("korvo.sperre"));
-  EXPECT_NE(korvo::OpenProject(folder.path()).note.find("Verkn"), std::string::npos);
+  EXPECT_EQ(korvo::OpenProject(folder.path()).note,
+            "Das Projekt kann nicht gesperrt werden: Zu viele Verkn\xFCpfungen im Pfad.");
   support::ScriptedDesktop desktop;
   d4select(V2_VAR->points->data);
   d4go(1);
