@@ -29,6 +29,28 @@ bool HasPointNumbers(const std::string& path) {
 
 std::string LastError() { return platform::SystemErrorText(platform::LastSystemError()); }
 
+std::string UnknownCharacters(const std::string& on_disk) {
+  return std::string("Der Pfad "_ansi) + text::FromUtf8Lossy(on_disk) +
+         " enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252)."_ansi;
+}
+
+std::string NoFile(const std::string& on_disk) { return text::FromUtf8Lossy(on_disk) + ": Es ist keine Datei."; }
+
+/// Why a folder has no table that could be opened.
+std::string WhyNoTable(std::string_view folder) {
+  const std::string on_disk = path::ToDisk(folder);
+  std::vector<std::string> entries;
+  if (!platform::Files().List(on_disk, &entries)) {
+    return std::string("Der Ordner "_ansi) + std::string(folder) + " kann nicht gelesen werden: "_ansi + LastError();
+  }
+  for (const std::string& entry : entries) {
+    if (!path::Matches(entry, "*.dbf")) continue;
+    const std::string table = path::Join(on_disk, entry);
+    return path::FromDisk(entry) ? NoFile(table) : UnknownCharacters(table);
+  }
+  return std::string("Im Ordner "_ansi) + std::string(folder) + " liegt keine Punkttabelle (*.dbf)."_ansi;
+}
+
 /// Folder and table of what the person named, which is a folder or the table itself.
 bool Locate(const std::string& named_on_disk, std::string* folder, std::string* table, std::string* why) {
   std::string real;
@@ -42,8 +64,7 @@ bool Locate(const std::string& named_on_disk, std::string* folder, std::string* 
   while (full.size() > 1 && full.back() == '/') full.pop_back();
   const std::optional<std::string> inside = path::FromDisk(full);
   if (!inside) {
-    *why = std::string("Der Pfad "_ansi) + text::FromUtf8Lossy(full) +
-           " enthält Zeichen, die Korvo nicht kennt (nicht in Windows-1252)."_ansi;
+    *why = UnknownCharacters(full);
     return false;
   }
   if (facts.kind_folder) {
@@ -56,6 +77,10 @@ bool Locate(const std::string& named_on_disk, std::string* folder, std::string* 
   *folder = path::Folder(*inside);
   if (folder->empty() || !path::Matches(path::FileName(*table), "*.dbf")) {
     *why = *table + " ist weder ein Projektordner noch eine Punkttabelle (*.dbf)."_ansi;
+    return false;
+  }
+  if (!facts.kind_file) {
+    *why = NoFile(full);
     return false;
   }
   return true;
@@ -145,7 +170,7 @@ std::optional<std::string> FindPointTable(std::string_view folder, std::string* 
   }
   if (tables.size() == 1) return path::Join(folder, tables.front());
   if (tables.empty()) {
-    *why = std::string("Im Ordner "_ansi) + std::string(folder) + " liegt keine Punkttabelle (*.dbf)."_ansi;
+    *why = WhyNoTable(folder);
     return std::nullopt;
   }
   *why = std::string("Im Ordner "_ansi) + std::string(folder) +

@@ -2,6 +2,8 @@
 #include "entry/host/host.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 
@@ -140,6 +142,33 @@ TEST_F(Project, FindsItsPointTableByRule) {
     const auto found = korvo::FindPointTable(project.path(), &why);
     EXPECT_EQ(found.value_or(project.File("refused")), project.File(c.found)) << why;
     EXPECT_EQ(found.has_value(), why.empty()) << why;
+  }
+}
+
+TEST_F(Project, SaysWhyAFolderHasNoTable) {
+  const struct {
+    const char *folder, *table;
+    fs::perms may;
+    const char* refusal;
+  } kCases[] = {{"keine", "", fs::perms::all, "liegt keine Punkttabelle"},
+                {"zu", "", fs::perms::none, "zu kann nicht gelesen werden: Zugriff verweigert."},
+                {"ordner", "punkte.dbf", fs::perms::all, "ordner/punkte.dbf: Es ist keine Datei."},
+                {"name", "\xC5\x82.dbf", fs::perms::all, "Zeichen, die Korvo nicht kennt"}};
+  const uid_t user = geteuid();
+  fs::permissions(folder.path(), fs::perms::all);
+  for (const auto& c : kCases) {
+    fs::create_directories(folder.File(c.folder) + "/" + c.table);
+    fs::permissions(folder.File(c.folder), c.may);
+    ASSERT_EQ(seteuid(user == 0 ? 4711 : user), 0) << "root may read all";
+    const std::string refusal = korvo::OpenProject(folder.File(c.folder)).refusal;
+    ASSERT_EQ(seteuid(user), 0);
+    fs::permissions(folder.File(c.folder), fs::perms::all);
+    EXPECT_NE(refusal.find(c.refusal), std::string::npos) << refusal;
+  }
+  const std::string pipe = folder.File("punkte.dbf");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& named : {pipe, folder.path()}) {
+    EXPECT_EQ(korvo::OpenProject(named).refusal, pipe + ": Es ist keine Datei.");
   }
 }
 
