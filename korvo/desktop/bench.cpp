@@ -8,6 +8,7 @@
 #include <QGraphicsItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QWindow>
@@ -166,6 +167,8 @@ int RunBench() {
   if (!folder.isValid() || !WriteTable(folder.filePath(QStringLiteral("punkte.dbf")))) {
     return Fail("Die Punkttabelle ließ sich nicht schreiben.");
   }
+  // What is opened here is none of the person's projects.
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
   Waits waits;
   MainWindow window(waits, {});
   window.resize(kSize);
