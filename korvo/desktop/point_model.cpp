@@ -78,7 +78,8 @@ QIcon IconOf(PointState state) {
     painter.setRenderHint(QPainter::Antialiasing);
     DrawMark(painter, state, {kSide / 2.0, kSide / 2.0}, kMark);
     painter.end();
-    icon.addPixmap(pixmap);
+    // In a selected row the toolkit would paint it over.
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected}) icon.addPixmap(pixmap, mode);
   }
   return icon;
 }
@@ -185,7 +186,7 @@ QVariant PointModel::data(const QModelIndex& index, int role) const {
       break;
     case Qt::ToolTipRole:
       if (index.column() == 0) return NameOf(points_.State(point));
-      break;
+      return AsTip(AsLine(points_.Field(point, index.column())), 0);
     default:
       break;
   }

@@ -7,8 +7,10 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QScopedValueRollback>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTimer>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -25,6 +27,19 @@ namespace {
 
 constexpr int kFilterPause = 150;
 constexpr int kWidestColumn = 28;  // characters
+
+/// Shows the tips of cells whose text is cut, and those of the marks.
+class CutTips : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override {
+    const bool cut = sizeHint(option, index).width() > option.rect.width();
+    if (cut || index.column() == 0) return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QToolTip::hideText();
+    return true;
+  }
+};
 
 }  // namespace
 
@@ -80,6 +95,7 @@ void PointTableView::BuildTable() {
   table_->setObjectName(QStringLiteral("table"));
   table_->setAccessibleName(QStringLiteral("Tabelle der Punkte"));
   table_->setModel(model_);
+  table_->setItemDelegate(new CutTips(table_));
   table_->setSelectionBehavior(QAbstractItemView::SelectRows);
   table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   table_->setWordWrap(false);
@@ -144,7 +160,7 @@ void PointTableView::FitColumns() {
 void PointTableView::Filter() {
   pause_->stop();
   PointModel::Filter filter;
-  filter.text = ToAnsi(text_->text());
+  filter.text = FromLine(text_->text());
   filter.column = column_->currentIndex() - 1;
   if (state_->currentIndex() > 0) filter.state = static_cast<PointState>(state_->currentIndex() - 1);
   model_->SetFilter(std::move(filter));

@@ -1,6 +1,7 @@
 #include "korvo/desktop/recent_menu.h"
 
 #include <QAction>
+#include <QFileInfo>
 #include <QStringList>
 
 #include "korvo/desktop/settings.h"
@@ -32,11 +33,14 @@ void RecentMenu::Remember(const QString& path) {
 void RecentMenu::Fill() {
   clear();
   const QStringList recent = Remembered().value(Key()).toStringList();
-  for (int i = 0; i < recent.size(); ++i) {
-    const QString shown = QString(recent[i]).replace(QLatin1Char('&'), QStringLiteral("&&"));
-    connect(addAction(QStringLiteral("&%1  %2").arg(QString::number(i + 1), shown)), &QAction::triggered, this,
-            [this, path = recent[i]] { Q_EMIT Chosen(path); });
+  for (const QString& path : recent) {
+    // It is remembered all the same: it may lie on a medium that comes back.
+    if (!QFileInfo::exists(path)) continue;
+    const QString shown = QString(path).replace(QLatin1Char('&'), QStringLiteral("&&"));
+    connect(addAction(QStringLiteral("&%1  %2").arg(QString::number(actions().size() + 1), shown)), &QAction::triggered,
+            this, [this, path] { Q_EMIT Chosen(path); });
   }
+  if (isEmpty()) addAction(QStringLiteral("Keines ist mehr vorhanden"))->setEnabled(false);
 }
 
 }  // namespace korvo

@@ -1,4 +1,4 @@
-// A menu of the projects that were opened last.
+// A menu of the projects that were opened last and are still there.
 #pragma once
 
 #include <QMenu>

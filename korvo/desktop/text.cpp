@@ -33,7 +33,6 @@ constexpr char16_t WithSign(char16_t sign) {
   return sign;
 }
 
-constexpr qsizetype kShortText = 40;
 constexpr qsizetype kTipWidth = 120;
 
 }  // namespace
@@ -79,8 +78,8 @@ QString AsLines(std::string_view ansi) {
 
 QString AsRunningText(std::string_view ansi) { return AsLines(ansi).replace(QChar(u'\n'), QChar(u' ')); }
 
-QString AsTip(const QString& text) {
-  if (text.size() <= kShortText) return {};
+QString AsTip(const QString& text, qsizetype short_size) {
+  if (text.size() <= short_size) return {};
   QString lines;
   for (qsizetype at = 0; at < text.size(); at += kTipWidth) lines += text.mid(at, kTipWidth) + QChar(u'\n');
   lines.chop(1);

@@ -21,7 +21,7 @@ QString AsLines(std::string_view ansi);
 /// As running text for a person: a line break is a blank.
 QString AsRunningText(std::string_view ansi);
 /// A long text for the tip that the mouse brings, plain and in lines of bounded length; empty for a short one.
-QString AsTip(const QString& text);
+QString AsTip(const QString& text, qsizetype short_size = 40);
 /// As one line on a widget that would take '&' for the mark of a short cut letter.
 QString AsCaption(std::string_view ansi);
 

@@ -5,6 +5,8 @@
 #include <QAction>
 #include <QDir>
 #include <QFileDialog>
+#include <QHelpEvent>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -15,6 +17,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -28,6 +31,7 @@
 #include "korvo/desktop/main_window.h"
 #include "korvo/desktop/nas_file.h"
 #include "korvo/desktop/nas_window.h"
+#include "korvo/desktop/recent_menu.h"
 #include "korvo/desktop/settings.h"
 #include "korvo/host/lock.h"
 #include "korvo/host/project.h"
@@ -118,6 +122,21 @@ TEST_F(Window, MapAndTableAndFindFieldPickTheSamePoints) {
   Type("de3", "filter");
   EXPECT_EQ(table->model()->rowCount(), 1);
   Type("", "filter");
+  auto* filter = Find<QLineEdit>("filter");
+  filter->setText(remark.data().toString().left(5));
+  QTest::keyClick(filter, Qt::Key_Return);
+  EXPECT_EQ(table->model()->rowCount(), 1) << "signs as they are shown";
+  Type("", "filter");
+  for (const int width : {400, 40}) {
+    table->setColumnWidth(remark.column(), width);
+    table->scrollTo(remark);
+    const QPoint at = table->visualRect(remark).center();
+    QHelpEvent asks(QEvent::ToolTip, at, table->viewport()->mapToGlobal(at));
+    QCoreApplication::sendEvent(table->viewport(), &asks);
+    EXPECT_EQ(QToolTip::text().contains(QStringLiteral("&lt;b&gt;")), width == 40);
+  }
+  const auto icon = table->model()->index(2, 0).data(Qt::DecorationRole).value<QIcon>();
+  EXPECT_EQ(icon.pixmap(16, QIcon::Selected).toImage(), icon.pixmap(16).toImage());
 
   EXPECT_EQ(PickWhile([&] { Click(1); }), 3);
   EXPECT_EQ(PickWhile([&] { Type("1001"); }), 1);
@@ -304,9 +323,16 @@ TEST_F(Window, StaysUsableWhenAProjectCannotBeOpened) {
   EXPECT_TRUE(Notices("Es ist keine Datei."));
   QCoreApplication::processEvents();
   EXPECT_LT(window_.minimumSizeHint().width(), 1200) << "a long name";
-  window_.Open(QString::fromStdString(folder_.Write("kaputt.dbf", "\x03 keine Tabelle")));
+  const std::string broken = folder_.Write("kaputt.dbf", "\x03 keine Tabelle");
+  window_.Open(QString::fromStdString(broken));
   EXPECT_TRUE(Notices("nicht lesbar"));
   EXPECT_EQ(window_.points().count(), 0);
+  auto* recent = window_.findChild<korvo::RecentMenu*>();
+  for (const int offered : {2, 1}) {
+    Q_EMIT recent->aboutToShow();
+    EXPECT_EQ(recent->actions().size(), offered) << "what is gone is not";
+    std::filesystem::remove(broken);
+  }
 }
 
 TEST_F(Window, OfASecondUserOnlyShows) {
