@@ -151,6 +151,8 @@ class LinesView : public ControlView {
     AddLabel(parent);
     lines_->setReadOnly(true);
     lines_->setTabChangesFocus(true);
+    // A cursor shows that the keyboard is there.
+    lines_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     // Long lines are wrapped; before the first layout the toolkit would put a bar there for good.
     lines_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   }
@@ -370,7 +372,6 @@ class DateView : public ControlView {
     open_ = new QToolButton(box_);
     open_->setObjectName(edit_->objectName() + QStringLiteral(".kalender"));
     open_->setArrowType(Qt::DownArrow);
-    open_->setPopupMode(QToolButton::InstantPopup);
     open_->setAccessibleName(QStringLiteral("Kalender"));
     row->addWidget(open_);
     auto* menu = new QMenu(open_);
@@ -378,7 +379,9 @@ class DateView : public ControlView {
     auto* action = new QWidgetAction(menu);
     action->setDefaultWidget(calendar);
     menu->addAction(action);
-    open_->setMenu(menu);
+    // As a menu of the button's own it would put a second arrow there.
+    ways_.edge.Connect(open_, &QToolButton::clicked, menu,
+                       [this, menu] { menu->popup(open_->mapToGlobal(QPoint(0, open_->height()))); });
     ways_.edge.Connect(menu, &QMenu::aboutToShow, calendar, [this, calendar] {
       const QDate day(field_.day.year, field_.day.month, field_.day.day);
       if (day.isValid()) calendar->setSelectedDate(day);

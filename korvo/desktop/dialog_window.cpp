@@ -57,7 +57,8 @@ void AddSegment(QGridLayout* grid, int row, int column, int columns, const Segme
   auto* box = new QHBoxLayout;
   bool wide = false;
   for (ControlView* view : segment) {
-    box->addWidget(view->widget(), view->IsWide() ? 1 : 0);
+    // What is not wide must not grow either where the others are hidden.
+    view->IsWide() ? box->addWidget(view->widget(), 1) : box->addWidget(view->widget(), 0, Qt::AlignLeft);
     wide = wide || view->IsWide();
   }
   if (!wide) box->addStretch(1);
@@ -106,7 +107,7 @@ DialogWindow::DialogWindow(toolkit::Dialog& dialog, Waits& waits, QWidget* paren
   const int height = column->hasHeightForWidth() ? column->totalHeightForWidth(width) : sizeHint().height();
   resize(width, std::min(height, screen_size.height()));
   const QSize remembered = Remembered().value(SizeKey()).toSize();
-  if (remembered.isValid()) resize(remembered.expandedTo(minimumSizeHint()));
+  if (remembered.isValid()) resize(OnScreen(*this, remembered).expandedTo(minimumSizeHint()));
   given_size_ = size();
 }
 

@@ -41,7 +41,7 @@ constexpr const char* kCommands = "PKTAUMEN";
 MainWindow::MainWindow(Waits& waits, std::string library)
     : waits_(waits),
       library_(std::move(library)),
-      edge_([this] { project_notice_->Show(FailureText()); }),
+      edge_([this] { failure_notice_->Show(FailureText()); }),
       guard_(*this) {
   BuildCentre();
   status_ = new StatusLine;
@@ -51,6 +51,10 @@ MainWindow::MainWindow(Waits& waits, std::string library)
   resize(OnScreen(*this, {1280, 800}));
   QSettings remembered = Remembered();
   restoreGeometry(remembered.value(QStringLiteral("window/geometry")).toByteArray());
+  if (const QSize fitting = OnScreen(*this, size()); fitting != size() && !isMaximized()) {
+    resize(fitting);
+    move(screen()->availableGeometry().topLeft());
+  }
   splitter_->restoreState(remembered.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
@@ -65,6 +69,7 @@ MainWindow::~MainWindow() {
 void MainWindow::BuildCentre() {
   project_notice_ = new NoticeBar(NoticeBar::Kind::kWarning);
   project_notice_->setObjectName(QStringLiteral("project_notice"));
+  failure_notice_ = new NoticeBar(NoticeBar::Kind::kWarning);
   file_notice_ = new NoticeBar(NoticeBar::Kind::kOffer);
   file_notice_->setObjectName(QStringLiteral("file_notice"));
   find_ = new FindBar;
@@ -86,6 +91,7 @@ void MainWindow::BuildCentre() {
   auto* layout = new QVBoxLayout(centre);
   layout->setContentsMargins(6, 4, 6, 0);
   layout->addWidget(project_notice_);
+  layout->addWidget(failure_notice_);
   layout->addWidget(file_notice_);
   layout->addWidget(splitter_, 1);
   setCentralWidget(centre);
@@ -168,6 +174,9 @@ void MainWindow::BuildActions() {
   all->setIconText(QStringLiteral("Alles zeigen"));
   for (QAction* shown : {open, reload_, all}) bar->addAction(shown);
   addToolBar(commands_);
+  // The menus have no way to bring back a bar that has been put away.
+  for (QToolBar* fixed : {bar, static_cast<QToolBar*>(commands_)}) fixed->setMovable(false);
+  setContextMenuPolicy(Qt::NoContextMenu);
 }
 
 // The project
@@ -221,7 +230,9 @@ void MainWindow::ShowProject(QString note) {
     note += QStringLiteral("\nSie können das Projekt nur ansehen; F5 versucht es noch einmal.");
   }
   project_notice_->Show(note);
+  failure_notice_->Show({});
   file_notice_->Show({});
+  map_->SetSelected({});
   ReadPoints();
   map_->ShowAll();
   UpdateActions();
@@ -284,10 +295,11 @@ void MainWindow::AskForNas() {
 NasWindow* MainWindow::OpenNas(const QString& path) {
   auto file = std::make_unique<NasFile>();
   QString why;
+  failure_notice_->Show({});
   QApplication::setOverrideCursor(Qt::WaitCursor);
   const auto done = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
   if (!file->Read(path, &why)) {
-    project_notice_->Show(QStringLiteral("Die Datei %1 kann nicht gelesen werden: %2").arg(path, why));
+    failure_notice_->Show(QStringLiteral("Die Datei %1 kann nicht gelesen werden: %2").arg(path, why));
     return nullptr;
   }
   if (nas_ != nullptr) nas_->close();
@@ -312,8 +324,10 @@ void MainWindow::SaveMap() {
   edge_.Connect(&picker, &QFileDialog::filterSelected, &picker, [&picker](const QString& filter) {
     picker.setDefaultSuffix(filter.startsWith(QLatin1String("PDF")) ? QStringLiteral("pdf") : QStringLiteral("png"));
   });
+  picker.endings = {QStringLiteral(".png"), QStringLiteral(".pdf")};
   const QString path = Ask(&picker);
   if (path.isEmpty()) return;
+  failure_notice_->Show({});
   const QString title = FromAnsi(ProjectName());
   const bool pdf = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
   QString why;
@@ -321,7 +335,7 @@ void MainWindow::SaveMap() {
     Picker::Remember(path);
     ShowMessage(QStringLiteral("Karte gespeichert: ") + path);
   } else {
-    project_notice_->Show(QStringLiteral("Die Karte konnte nicht unter %1 gespeichert werden: %2").arg(path, why));
+    failure_notice_->Show(QStringLiteral("Die Karte konnte nicht unter %1 gespeichert werden: %2").arg(path, why));
   }
 }
 
@@ -354,7 +368,7 @@ void MainWindow::StartPlugin() {
   bool called = false;
   const bool left = waits_.RunPlugin([&] { called = korvo::RunPlugin(library_, &why); });
   pending_.reset();
-  if (!called) project_notice_->Show(AsLines(why));
+  if (!called) failure_notice_->Show(AsLines(why));
   std::string note;
   if (!RefreshPointTable(&note) && called) project_notice_->Show(AsLines(note));
   ReadPoints();
@@ -401,6 +415,7 @@ void MainWindow::SetPicking(bool picking) {
 
 void MainWindow::PickPoint(int point) {
   if (point < 0) return ShowMessage(QStringLiteral("Dort ist kein Punkt."));
+  status_->clearMessage();
   Select({point});
   EndPick();
   waits_.Pick(points_.Record(point));

@@ -100,7 +100,8 @@ class MainWindow : public QMainWindow, public Shell {
   QString opened_;   ///< what the person named
   QString why_not_;  ///< why the plug-in cannot be started; empty where it can
 
-  NoticeBar* project_notice_;
+  NoticeBar* project_notice_;  ///< while the project is open
+  NoticeBar* failure_notice_;
   NoticeBar* file_notice_;
   FindBar* find_;
   MapView* map_;

@@ -1,12 +1,16 @@
 #include "korvo/desktop/picker.h"
 
+#include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
 #include <QIdentityProxyModel>
+#include <QKeyEvent>
 #include <QLocale>
 #include <QTreeView>
+#include <algorithm>
 
 #include "base/path.h"
 #include "korvo/desktop/modal_guard.h"
@@ -34,7 +38,7 @@ class PlainIcons : public QFileIconProvider {
  public:
   QIcon icon(const QFileInfo& info) const override { return info.isDir() ? folder_ : file_; }
   QString type(const QFileInfo& info) const override {
-    return info.isDir() ? QStringLiteral("Ordner") : info.suffix().toUpper() + QStringLiteral("-Datei");
+    return info.isDir() ? QStringLiteral("Verzeichnis") : info.suffix().toUpper() + QStringLiteral("-Datei");
   }
 
  private:
@@ -52,7 +56,7 @@ class GermanFacts : public QIdentityProxyModel {
     const bool told = role == Qt::DisplayRole && (index.column() == kSize || index.column() == kDay);
     if (!told) return QIdentityProxyModel::data(index, role);
     const QFileInfo file = static_cast<QFileSystemModel*>(sourceModel())->fileInfo(mapToSource(index));
-    if (index.column() == kDay) return QLocale().toString(file.lastModified(), QLocale::ShortFormat);
+    if (index.column() == kDay) return QLocale().toString(file.lastModified(), QStringLiteral("dd.MM.yyyy HH:mm"));
     return file.isDir() ? QString() : QLocale().formattedDataSize(file.size(), 1, QLocale::DataSizeTraditionalFormat);
   }
 };
@@ -87,8 +91,27 @@ QString Picker::Ask(Waits& waits, ModalGuard& guard) {
   return result() == Accepted ? selectedFiles().value(0) : QString();
 }
 
+void Picker::accept() {
+  const QString chosen = selectedFiles().value(0);
+  const auto has = [&](const QString& ending) { return chosen.endsWith(ending, Qt::CaseInsensitive); };
+  if (!endings.isEmpty() && !QFileInfo(chosen).isDir() && std::none_of(endings.begin(), endings.end(), has)) {
+    selectFile(chosen + QLatin1Char('.') + defaultSuffix());
+  }
+  QFileDialog::accept();
+}
+
 void Picker::done(int result) {
+  if (result != Accepted) DropNewName();
   if (result != Accepted || !takes || takes(selectedFiles().value(0))) QFileDialog::done(result);
+}
+
+void Picker::DropNewName() {
+  QWidget* const at = focusWidget();
+  for (const auto* files : findChildren<QAbstractItemView*>()) {
+    if (at == nullptr || at->parentWidget() != files->viewport()) continue;
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(at, &escape);
+  }
 }
 
 void Picker::Remember(const QString& picked) {

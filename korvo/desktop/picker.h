@@ -28,13 +28,22 @@ class Picker : private PickerIcons, public QFileDialog {
   /// Whether it takes what is chosen, where it is not to take all; it stays open where not.
   std::function<bool(const QString& chosen)> takes;
 
+  /// A name with none of these endings gets the default suffix, also where it has another one or a point in it. Empty:
+  /// one that has any suffix stays.
+  QStringList endings;
+
   /// What the person picks; empty for nothing. Until then the guard keeps the person here.
   QString Ask(Waits& waits, ModalGuard& guard);
   /// The next picker begins there. For what could be opened or written.
   static void Remember(const QString& picked);
 
  protected:
+  void accept() override;
   void done(int result) override;
+
+ private:
+  /// A new name of a file that is still being typed: the editor would give it to the file when it is hidden.
+  void DropNewName();
 };
 
 }  // namespace korvo

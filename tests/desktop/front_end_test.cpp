@@ -122,9 +122,11 @@ TEST_F(Windows, OpenWithRoomForWhatTheyHold) {
     PlayedDlg dialog({&lines});
     Run(dialog, [&](korvo::DialogWindow& window) {
       EXPECT_GT(window.height(), std::exchange(height, window.height()));
-      EXPECT_LT(window.height(), 400);
+      EXPECT_LT(window.height(), count == 1000 ? 801 : 400) << "which was larger on another screen";
       EXPECT_EQ(pilot::Find<QPlainTextEdit>(window, 9001)->verticalScrollBar()->isVisible(), count == 1000);
+      EXPECT_LE(window.width(), window.screen()->size().width());
     });
+    if (count == 15) korvo::Remembered().setValue(QStringLiteral("dialoge/9000/groesse"), QSize(9000, 9000));
   }
 }
 
@@ -409,13 +411,19 @@ TEST_F(Windows, LeavingClosesPopupsWithLoopsOfTheirOwn) {
 TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
   const support::TempFolder folder;
   const std::string file = folder.Write("alt.XML", "alt");
-  for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_Menu}) {
+  for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_Menu, Qt::Key_F2}) {
     Then([&, key](QWidget* window) {
       auto* const files = window->findChild<QTreeView*>();
       static_cast<QFileDialog*>(window)->setDirectory(QString::fromStdString(folder.path()));
       EXPECT_TRUE(QTest::qWaitFor([&] { return files->model()->rowCount(files->rootIndex()) == 1; }));
       files->setFocus();
       files->setCurrentIndex(files->model()->index(0, 0, files->rootIndex()));
+      if (key == Qt::Key_F2) {
+        QTest::keyClick(files, key);
+        QTest::keyClicks(window->focusWidget(), QStringLiteral("anders"));
+        waits.Leave();
+        return;
+      }
       Then([&](QWidget* question) {
         EXPECT_TRUE(qobject_cast<QMessageBox*>(question) != nullptr || QApplication::activePopupWidget() != nullptr);
         waits.Leave();

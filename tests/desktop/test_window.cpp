@@ -31,6 +31,7 @@
 #include "korvo/desktop/main_window.h"
 #include "korvo/desktop/nas_file.h"
 #include "korvo/desktop/nas_window.h"
+#include "korvo/desktop/notice_bar.h"
 #include "korvo/desktop/recent_menu.h"
 #include "korvo/desktop/settings.h"
 #include "korvo/host/lock.h"
@@ -79,8 +80,10 @@ class Window : public testing::Test {
     return window_.findChild<Widget*>(QString::fromLatin1(name));
   }
   bool Notices(const char* text) {
-    const auto* bar = Find<QWidget>("project_notice");
-    return bar->isVisible() && bar->findChildren<QLabel*>().back()->text().contains(QString::fromUtf8(text));
+    const auto bars = window_.findChildren<korvo::NoticeBar*>();
+    return std::any_of(bars.begin(), bars.end(), [text](const korvo::NoticeBar* bar) {
+      return bar->isVisible() && bar->findChildren<QLabel*>().back()->text().contains(QString::fromUtf8(text));
+    });
   }
   void Click(int point) {
     QTest::mouseClick(&window_.map(), Qt::LeftButton, {}, window_.map().PlaceOf(point).toPoint() + QPoint(3, -2));
@@ -344,6 +347,8 @@ TEST_F(Window, OfASecondUserOnlyShows) {
   EXPECT_EQ(window_.points().count(), 3);
   EXPECT_TRUE(Notices("schon geöffnet"));
   EXPECT_FALSE(Find<QAction>("command_6")->isEnabled());
+  EXPECT_EQ(window_.OpenNas(QStringLiteral("/gibt/es/nicht")), nullptr);
+  EXPECT_TRUE(Notices("schon geöffnet")) << "and what failed";
   first.Release();
   window_.Reload();
   EXPECT_TRUE(Find<QAction>("command_6")->isEnabled());
@@ -377,6 +382,8 @@ TEST_F(Window, StartsThePluginForACommandAndEndsItByClosing) {
 TEST_F(Window, EndsAPickForAnotherProjectAndSaysSo) {
   std::filesystem::create_directory(folder_.File("anderes"));
   std::filesystem::copy(path_, folder_.File("anderes"));
+  Click(0);
+  EXPECT_FALSE(window_.map().selected().empty());
   QTimer::singleShot(100, [&] {
     EXPECT_TRUE(Find<QWidget>("end_pick")->isVisible());
     QTimer::singleShot(0, [&] { PickFile(QString::fromStdString(folder_.File("anderes/punkte.dbf"))); });
@@ -385,6 +392,7 @@ TEST_F(Window, EndsAPickForAnotherProjectAndSaysSo) {
   Find<QAction>("command_6")->trigger();
   EXPECT_FALSE(waits_.plugin_runs());
   EXPECT_EQ(window_.windowTitle(), QStringLiteral("Korvo – anderes"));
+  EXPECT_TRUE(window_.map().selected().empty());
   EXPECT_EQ(window_.statusBar()->currentMessage(), QStringLiteral("Die Punktabfrage wurde beendet."));
 }
 
@@ -396,7 +404,8 @@ TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
     const char* file;
     bool goes;
     const char* notice;
-    int disk = 0;  ///< what each write fails with
+    int disk = 0;    ///< what each write fails with
+    int ending = 0;  ///< letters at the end that the person leaves out
   } kCases[] = {
       {Qt::Key_O, "ort/brief.txt", false, "weder"},
       {Qt::Key_N, "/dev/null", false, "Es ist keine Datei."},
@@ -404,13 +413,14 @@ TEST_F(Window, RemembersTheFolderOfWhatItCouldOpenOrWrite) {
       {Qt::Key_K, "ort/karte.pdf", false, "karte.pdf gespeichert werden: Auf dem Datenträger ist kein Platz", ENOSPC},
       {Qt::Key_K, "ort/ł.png", false, "ł.png gespeichert werden: Der Pfad enthält Zeichen"},
       {Qt::Key_K, "ort/karte.png", true, ""},
+      {Qt::Key_K, "ort/Lage 1.3.png", true, "", 0, 4},
       {Qt::Key_O, "punkte.dbf", true, ""},
   };
   for (const auto& c : kCases) {
     const QString file = QDir(QString::fromStdString(folder_.path())).filePath(QString::fromUtf8(c.file));
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
     const support::FaultyFiles files([&](int, const std::string& call) { return call == "Write" ? c.disk : 0; });
-    QTimer::singleShot(0, [&] { PickFile(file); });
+    QTimer::singleShot(0, [&] { PickFile(file.chopped(c.ending)); });
     QTest::keyClick(&window_, c.key, Qt::ControlModifier);
     EXPECT_TRUE(c.goes || Notices(c.notice)) << c.file;
     EXPECT_EQ(QFileInfo::exists(file), c.goes || c.key != Qt::Key_K) << c.file;
