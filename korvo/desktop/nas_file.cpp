@@ -16,7 +16,7 @@ namespace {
 
 constexpr qsizetype kChunk = 1024 * 1024;
 
-QString WithoutPrefix(QStringView name) { return name.mid(name.indexOf(QLatin1Char(':')) + 1).toString(); }
+QStringView WithoutPrefix(QStringView name) { return name.mid(name.indexOf(QLatin1Char(':')) + 1); }
 
 /// "ABC20160302T090503Z" is the object ABC and the moment at which it came to be.
 QString WithoutMoment(const QString& key) {
@@ -24,18 +24,40 @@ QString WithoutMoment(const QString& key) {
   return QString(key).remove(moment);
 }
 
+/// An element around objects, or the operation on one.
+struct Frame {
+  QLatin1String name;
+  NasKind kind;
+};
+constexpr Frame kFrames[] = {
+    {QLatin1String("Insert"), NasKind::kInsert},        {QLatin1String("Replace"), NasKind::kReplace},
+    {QLatin1String("Update"), NasKind::kUpdate},        {QLatin1String("Delete"), NasKind::kDelete},
+    {QLatin1String("member"), NasKind::kStock},         {QLatin1String("featureMember"), NasKind::kStock},
+    {QLatin1String("featureMembers"), NasKind::kStock},
+};
+
+const Frame* FrameOf(QStringView name) {
+  const auto* found =
+      std::find_if(std::begin(kFrames), std::end(kFrames), [&](const Frame& f) { return f.name == name; });
+  return found == std::end(kFrames) ? nullptr : found;
+}
+
 }  // namespace
 
 QString NameOf(NasKind kind) {
   switch (kind) {
+    case NasKind::kInsert:
+      return QStringLiteral("Einfügen");
     case NasKind::kReplace:
       return QStringLiteral("Ersetzen");
+    case NasKind::kUpdate:
+      return QStringLiteral("Ändern");
     case NasKind::kDelete:
       return QStringLiteral("Löschen");
-    case NasKind::kInsert:
+    case NasKind::kStock:
       break;
   }
-  return QStringLiteral("Einfügen");
+  return QStringLiteral("Bestand");
 }
 
 /// Reads piece by piece, and keeps count of the bytes behind the characters that the toolkit's reader counts.
@@ -51,7 +73,7 @@ class NasFile::Parser {
         if (reader_.tokenType() == QXmlStreamReader::EndDocument) return true;
         See();
         MoveTo(reader_.characterOffset());
-        if (reader_.tokenType() == QXmlStreamReader::EndElement) Leave();
+        if (reader_.tokenType() == QXmlStreamReader::EndElement && !Leave()) return true;
       } else if (reader_.error() == QXmlStreamReader::PrematureEndOfDocumentError && read_ < file_.bytes_.size()) {
         if (!Feed()) return false;
       } else {
@@ -104,52 +126,69 @@ class NasFile::Parser {
 
   void Enter() {
     ++depth_;
-    const QString name = WithoutPrefix(reader_.qualifiedName());
-    if (member_depth_ == 0) {
-      const bool insert = name == QLatin1String("Insert");
-      if (!insert && name != QLatin1String("Replace") && name != QLatin1String("Delete")) return;
-      member_ = {};
-      member_.kind = insert                             ? NasKind::kInsert
-                     : name == QLatin1String("Replace") ? NasKind::kReplace
-                                                        : NasKind::kDelete;
-      // Behind text the reader stands one character further, since it had to see where the text ends.
-      const bool seen = at_byte_ > 0 && file_.bytes_[at_byte_ - 1] == '<';
-      member_.begin = seen ? at_byte_ - 1 : at_byte_;
-      member_depth_ = depth_;
-      type_ = WithoutPrefix(reader_.attributes().value(QStringLiteral("typeName")));
+    const QStringView name = WithoutPrefix(reader_.qualifiedName());
+    if (frame_depth_ == 0) {
+      const Frame* frame = FrameOf(name);
+      if (frame == nullptr) return;
+      frame_depth_ = depth_;
+      kind_ = frame->kind;
+      if (kind_ == NasKind::kInsert || kind_ == NasKind::kStock) return;
+      Begin();
+      type_ = WithoutPrefix(reader_.attributes().value(QStringLiteral("typeName"))).toString();
       return;
     }
     const QXmlStreamAttributes attributes = reader_.attributes();
-    const bool is_object = depth_ == member_depth_ + 1 && name != QLatin1String("Filter");
-    if (is_object && type_.isEmpty()) {
-      type_ = name;
+    if (member_depth_ == 0) Begin();
+    if (depth_ == frame_depth_ + 1 && type_.isEmpty() && name != QLatin1String("Filter")) {
+      type_ = name.toString();
       member_.id = attributes.value(QStringLiteral("gml:id")).toString();
-    } else if (depth_ == member_depth_ + 2 && name == QLatin1String("istTeilVon")) {
+    } else if (depth_ == frame_depth_ + 2 && name == QLatin1String("istTeilVon")) {
       const QStringView reference = attributes.value(QStringLiteral("xlink:href"));
       member_.owner = reference.mid(reference.lastIndexOf(QLatin1Char(':')) + 1).toString();
-    } else if (depth_ == member_depth_ + 2 && name == QLatin1String("punktkennung")) {
+    } else if (depth_ == frame_depth_ + 2 && name == QLatin1String("punktkennung")) {
       reading_key_ = true;
     } else if (name == QLatin1String("ResourceId") && member_.id.isEmpty()) {
       member_.id = WithoutMoment(attributes.value(QStringLiteral("rid")).toString());
     }
   }
 
-  void Leave() {
+  void Begin() {
+    member_ = {};
+    member_.kind = kind_;
+    type_.clear();
+    member_depth_ = depth_;
+    // Behind text the reader stands one character further, since it had to see where the text ends.
+    const bool seen = at_byte_ > 0 && file_.bytes_[at_byte_ - 1] == '<';
+    member_.begin = seen ? at_byte_ - 1 : at_byte_;
+  }
+
+  /// False where there are too many members.
+  bool Leave() {
     reading_key_ = false;
     if (depth_ == member_depth_) {
+      if (file_.members_.size() == kMostMembers) {
+        file_.trouble_ = QStringLiteral("Ab Zeile %1 wird die Datei nicht gezeigt: Sie enthält mehr als %2 Objekte.")
+                             .arg(reader_.lineNumber())
+                             .arg(kMostMembers);
+        return false;
+      }
       member_.type = TypeNumber();
       member_.size = at_byte_ - member_.begin;
       file_.members_.push_back(member_);
       member_depth_ = 0;
     }
+    if (depth_ == frame_depth_) frame_depth_ = 0;
     --depth_;
+    return true;
   }
 
   int TypeNumber() {
-    std::vector<QString>& types = file_.types_;
-    const auto found = std::find(types.begin(), types.end(), type_);
-    const auto number = static_cast<int>(found - types.begin());
-    if (found == types.end()) types.push_back(type_);
+    const auto next = static_cast<int>(file_.types_.size());
+    const int number = numbers_.value(type_, next);
+    if (number == next) {
+      numbers_.insert(type_, number);
+      file_.types_.push_back(type_);
+    }
     return number;
   }
 
@@ -161,9 +200,12 @@ class NasFile::Parser {
   qsizetype at_byte_ = 0;
 
   int depth_ = 0;
-  int member_depth_ = 0;  ///< 0 outside of members
+  int frame_depth_ = 0;   ///< 0 outside of frames
+  int member_depth_ = 0;  ///< 0 outside of members; that of the frame where the member is the whole operation
+  NasKind kind_ = NasKind::kStock;
   NasMember member_;
   QString type_;
+  QHash<QString, int> numbers_;  ///< of the types
   bool reading_key_ = false;
 };
 
@@ -186,6 +228,9 @@ bool NasFile::Read(const QString& path, QString* why) {
     *why = file.errorString();
     return false;
   }
+  // The bytes of members are counted in one of two encodings; others come as the first.
+  const auto encoding = QStringDecoder::encodingForData(bytes_, u'<');
+  if (encoding && *encoding != QStringDecoder::Utf8) bytes_ = QString(QStringDecoder(*encoding)(bytes_)).toUtf8();
   if (Parser(*this).Run()) return true;
   utf8_ = false;
   members_.clear();

@@ -1,4 +1,4 @@
-// The members of a NAS file, whoever wrote it, and the points that they are about.
+// The objects of a NAS file, whoever wrote it, and the points that they are about.
 #pragma once
 
 #include <QByteArray>
@@ -10,11 +10,13 @@
 
 namespace korvo {
 
-enum class NasKind { kInsert, kReplace, kDelete };
+/// What a transaction does with an object; kStock: the file only tells of it.
+enum class NasKind { kInsert, kReplace, kUpdate, kDelete, kStock };
 QString NameOf(NasKind kind);
 
+/// One object.
 struct NasMember {
-  NasKind kind = NasKind::kInsert;
+  NasKind kind = NasKind::kStock;
   int type = 0;       ///< in NasFile::types
   QString id;         ///< of the object, without the time that a key of a deletion ends in
   QString owner;      ///< id of the object that this one is a part of; empty for none
@@ -26,16 +28,18 @@ struct NasMember {
 /// Prefixes of elements count as part of their names, so that a file without declarations can be read too.
 class NasFile {
  public:
-  /// False with the reason where the file cannot be opened. Of a file that is no XML from some place on, the members in
-  /// front of it are there, and `trouble` says so.
+  /// False with the reason where the file cannot be opened. Of a file that is no XML from some place on, or that holds
+  /// more members than kMostMembers, those in front of it are there, and `trouble` says so.
   bool Read(const QString& path, QString* why);
+
+  static constexpr std::size_t kMostMembers = 2'000'000;
 
   const QString& path() const { return path_; }
   const QString& trouble() const { return trouble_; }
   const std::vector<NasMember>& members() const { return members_; }
   /// Names of the classes, without prefix.
   const std::vector<QString>& types() const { return types_; }
-  /// What stands in the file for a member.
+  /// What stands in the file for a member: the object, or the whole operation where only that says what it is about.
   QString TextOf(const NasMember& member) const;
 
  private:
@@ -44,7 +48,7 @@ class NasFile {
 
   QString path_;
   QString trouble_;
-  QByteArray bytes_;
+  QByteArray bytes_;  ///< of UTF-16: in UTF-8
   bool utf8_ = true;  ///< otherwise Windows-1252
   std::vector<NasMember> members_;
   std::vector<QString> types_;

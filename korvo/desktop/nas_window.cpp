@@ -27,6 +27,9 @@ namespace {
 
 QString SizeKey() { return QStringLiteral("nas/groesse"); }
 
+/// Names and identifiers are what the file makes them: with line breaks, or without an end.
+QString Short(const QString& text) { return WithSigns(text.left(200)); }
+
 }  // namespace
 
 /// Members of one kind and class, or of all.
@@ -65,11 +68,11 @@ class NasModel : public QAbstractTableModel {
       case kKind:
         return NameOf(member.kind);
       case kType:
-        return file_.types()[static_cast<std::size_t>(member.type)];
+        return Short(file_.types()[static_cast<std::size_t>(member.type)]);
       case kId:
-        return member.id;
+        return Short(member.id);
       case kKey:
-        return member.point_key;
+        return Short(member.point_key);
       default:
         return PointAt(index.row()) >= 0 ? AsLine(points_.Number(PointAt(index.row()))).trimmed() : QString();
     }
@@ -155,7 +158,7 @@ NasWindow::NasWindow(std::unique_ptr<NasFile> file, const PointSet& points, cons
   std::vector<std::vector<std::size_t>> lists = {all};
   for (auto& [key, list] : groups) {
     groups_->addItem(QStringLiteral("%1 %2 (%3)")
-                         .arg(NameOf(key.first), file_->types()[static_cast<std::size_t>(key.second)],
+                         .arg(NameOf(key.first), Short(file_->types()[static_cast<std::size_t>(key.second)]),
                               QString::number(list.size())));
     lists.push_back(std::move(list));
   }
@@ -199,9 +202,12 @@ void NasWindow::PointsRead() {
 
 void NasWindow::ShowSummary() {
   const std::vector<int>& points = model_->points();
-  QString text = QStringLiteral("Objekte: %1, davon zu Punkten des Projekts: %2.")
-                     .arg(file_->members().size())
-                     .arg(std::count_if(points.begin(), points.end(), [](int point) { return point >= 0; }));
+  QString text = QStringLiteral("Die Datei enthält keine NAS-Objekte (Einfügen, Ersetzen, Ändern, Löschen, Bestand).");
+  if (!points.empty()) {
+    text = QStringLiteral("Objekte: %1, davon zu Punkten des Projekts: %2.")
+               .arg(points.size())
+               .arg(std::count_if(points.begin(), points.end(), [](int point) { return point >= 0; }));
+  }
   const std::size_t marked = Points().size();
   if (marked == 1) text += QStringLiteral(" Der Punkt ist in der Karte violett umringt.");
   if (marked > 1) text += QStringLiteral(" Die %1 Punkte sind in der Karte violett umringt.").arg(marked);

@@ -57,8 +57,9 @@ std::string ToAnsi(const QString& text) {
   return ansi;
 }
 
-QString AsLine(std::string_view ansi) {
-  QString text = FromAnsi(ansi);
+QString AsLine(std::string_view ansi) { return WithSigns(FromAnsi(ansi)); }
+
+QString WithSigns(QString text) {
   for (QChar& c : text) c = QChar(SignOf(c.unicode()));
   return text;
 }

@@ -16,6 +16,8 @@ std::string ToAnsi(const QString& text);
 QString AsLine(std::string_view ansi);
 /// Back; nothing is lost for what AsLine gave. Line breaks, which only the clipboard can bring, are left out.
 std::string FromLine(QString text);
+/// What AsLine does, for a text that is Unicode from the start.
+QString WithSigns(QString text);
 /// As lines for a person: any of "\r\r\n", "\r\n", "\n\r", "\n" and "\r" is one line break.
 QString AsLines(std::string_view ansi);
 /// As running text for a person: a line break is a blank.

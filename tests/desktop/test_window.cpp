@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QProxyStyle>
 #include <QStatusBar>
+#include <QStringEncoder>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -501,20 +502,45 @@ TEST_F(Window, FindsTheNearestOf100000PointsAsAWalkOverAllDoes) {
 TEST_F(Window, MarksThePointsOfACutNasFileInAnyEncoding) {
   const std::string text =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<A>\n\t<k>Straße</k>\n\t<wfs:Transaction>\n"
-      "\t\t<wfs:Insert>\n\t\t\t<AX_Grenzpunkt gml:id=\"DE1\"><punktkennung>1001</punktkennung>ü</AX_Grenzpunkt>"
-      "</wfs:Insert><wfs:Insert><AX_PunktortTA gml:id=\"DE2\"><istTeilVon xlink:href=\"urn:adv:oid:DE1\"/>"
-      "</AX_PunktortTA></wfs:Insert>\n\t\t<wfs:Delete typeName=\"AX_PunktortTA\"><fes:Filter>"
-      "<fes:ResourceId rid=\"DE320160302T090503Z\"/></fes:Filter></wfs:Delete><wfs:Delete typeName=\"AX_PunktortAU\">"
-      "<fes:ResourceId rid=\"DE5\"/></wfs:Delete>\n\t<cut";
-  for (const std::string& bytes : {"\xEF\xBB\xBF" + text, text::FromUtf8(text).value()}) {
+      "\t\t<wfs:Insert>\n\t\t\t<AX_Grenzpunkt gml:id=\"DE1\">\n\t\t\t\t<punktkennung>1001</punktkennung>ü"
+      "</AX_Grenzpunkt><AX_PunktortTA gml:id=\"DE2\"><istTeilVon xlink:href=\"urn:adv:oid:DE1\"/></AX_PunktortTA>"
+      "</wfs:Insert>\n\t\t<wfs:Delete typeName=\"AX_PunktortTA\"><fes:Filter>"
+      "<fes:ResourceId rid=\"DE320160302T090503Z\"/></fes:Filter></wfs:Delete><wfs:Update typeName=\"AX_PunktortAU\">"
+      "<wfs:Property/><fes:ResourceId rid=\"DE5\"/></wfs:Update><wfs:Replace><P gml:id=\"DE6\"/><fes:Filter/>"
+      "</wfs:Replace></wfs:Transaction><wfs:member> <b:AX_Grenzpunkt gml:id=\"DE7\"><b:punktkennung>1003"
+      "</b:punktkennung></b:AX_Grenzpunkt></wfs:member><gml:featureMember/><gml:featureMember><P/></gml:featureMember>"
+      "\n\t<cut";
+  const QString wide = QString::fromStdString(text);
+  const QByteArray marked = QStringEncoder(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom)(wide);
+  const QByteArray unmarked = QStringEncoder(QStringEncoder::Utf16BE)(wide);
+  for (const std::string& bytes :
+       {"\xEF\xBB\xBF" + text, text::FromUtf8(text).value(), marked.toStdString(), unmarked.toStdString()}) {
     korvo::NasFile file;
     QString why;
     ASSERT_TRUE(file.Read(QString::fromStdString(folder_.Write("a.xml", bytes)), &why));
     EXPECT_FALSE(file.trouble().isEmpty());
-    ASSERT_EQ(korvo::PointsOf(file, window_.points()), (std::vector<int>{0, 0, 1, 1}));
-    EXPECT_TRUE(file.TextOf(file.members()[0]).startsWith(QStringLiteral("<wfs:Insert>\n  <AX_G")));
-    EXPECT_TRUE(file.TextOf(file.members()[0]).endsWith(QStringLiteral("ü</AX_Grenzpunkt></wfs:Insert>")));
-    EXPECT_TRUE(file.TextOf(file.members()[3]).startsWith(QStringLiteral("<wfs:Delete")));
+    QStringList told;
+    for (const korvo::NasMember& member : file.members())
+      told << korvo::NameOf(member.kind) + file.types()[static_cast<std::size_t>(member.type)] + member.id;
+    EXPECT_EQ(told.join(u' ').toStdString(),
+              "EinfügenAX_GrenzpunktDE1 EinfügenAX_PunktortTADE2 LöschenAX_PunktortTADE3 ÄndernAX_PunktortAUDE5 "
+              "ErsetzenPDE6 BestandAX_GrenzpunktDE7 BestandP");
+    ASSERT_EQ(korvo::PointsOf(file, window_.points()), (std::vector<int>{0, 0, 1, 1, -1, 1, -1}));
+    EXPECT_TRUE(file.TextOf(file.members()[0]).startsWith(QStringLiteral("<AX_Grenzpunkt gml:id=\"DE1\">\n  <p")));
+    EXPECT_TRUE(file.TextOf(file.members()[0]).endsWith(QStringLiteral("ü</AX_Grenzpunkt>")));
+    EXPECT_TRUE(file.TextOf(file.members()[3]).startsWith(QStringLiteral("<wfs:Update")));
+    EXPECT_EQ(file.TextOf(file.members()[6]), QStringLiteral("<P/>"));
+  }
+
+  for (const auto& [bytes, summary, row] :
+       {std::tuple("<A><member><P gml:id=\"D&#10;E\"/></member></A>", "Objekte: 1", "Bestand P D↵E"),
+        {"<A><wfs:Insert/></A>", "Die Datei enthält keine NAS-Objekte", ""}}) {
+    korvo::NasWindow* nas = window_.OpenNas(QString::fromStdString(folder_.Write("a.xml", bytes)));
+    EXPECT_TRUE(nas->findChild<QLabel*>()->text().startsWith(QString::fromUtf8(summary)));
+    const QAbstractItemModel& model = *nas->findChild<QTableView*>(QStringLiteral("nas_members"))->model();
+    QStringList shown;
+    for (int i = 0; model.rowCount() > 0 && i < 3; ++i) shown << model.index(0, i).data().toString();
+    EXPECT_EQ(shown.join(u' '), QString::fromUtf8(row));
   }
 }
 
