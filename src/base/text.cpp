@@ -128,6 +128,8 @@ int CompareGerman(std::string_view a, std::string_view b) {
     const bool capital_b = IsCapital(static_cast<unsigned char>(b[i]));
     if (capital_a != capital_b) return capital_a ? 1 : -1;
   }
+  // "ss" in front of "ß": by their bytes alone, texts of several lengths would stand in a ring.
+  if (a.size() != b.size()) return a.size() > b.size() ? -1 : 1;
   return a.compare(b);
 }
 
