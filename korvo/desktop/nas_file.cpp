@@ -167,9 +167,10 @@ class NasFile::Parser {
     reading_key_ = false;
     if (depth_ == member_depth_) {
       if (file_.members_.size() == kMostMembers) {
-        file_.trouble_ = QStringLiteral("Ab Zeile %1 wird die Datei nicht gezeigt: Sie enthält mehr als %2 Objekte.")
-                             .arg(reader_.lineNumber())
-                             .arg(kMostMembers);
+        file_.trouble_ =
+            QStringLiteral("Ab Zeile %1 wird die Datei nicht mehr gezeigt: Sie enthält mehr als %2 Objekte.")
+                .arg(reader_.lineNumber())
+                .arg(kMostMembers);
         return false;
       }
       member_.type = TypeNumber();
