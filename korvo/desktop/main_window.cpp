@@ -456,7 +456,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 // Points
 
 void MainWindow::Find(const QString& number) {
-  const std::string ansi = ToAnsi(number);
+  const std::string ansi = FromLine(number);
   int point = points_.Find(ansi);
   if (point < 0 && !picking_) point = points_.FindPart(ansi, map_->selected().empty() ? -1 : map_->selected().front());
   if (point < 0) {
