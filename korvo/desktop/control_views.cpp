@@ -14,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -321,7 +322,7 @@ class DateView : public ControlView {
   void ShowContents() override {
     // What the person types stands until a rule sets another day.
     if (!edit_->isModified() || !SameDay(field_.day, shown_)) ShowDay();
-    if (IsHeld()) Mark(false);
+    if (IsHeld() || !edit_->hasFocus()) Mark(!IsHeld());
   }
 
  private:
@@ -380,8 +381,12 @@ class DateView : public ControlView {
     action->setDefaultWidget(calendar);
     menu->addAction(action);
     // As a menu of the button's own it would put a second arrow there.
-    ways_.edge.Connect(open_, &QToolButton::clicked, menu,
-                       [this, menu] { menu->popup(open_->mapToGlobal(QPoint(0, open_->height()))); });
+    ways_.edge.Connect(open_, &QToolButton::clicked, menu, [this, menu] {
+      const int height = menu->sizeHint().height();
+      const QPoint below = open_->mapToGlobal(QPoint(0, open_->height()));
+      const bool fits = below.y() + height <= open_->screen()->availableGeometry().bottom();
+      menu->popup(fits ? below : open_->mapToGlobal(QPoint(0, -height)));
+    });
     ways_.edge.Connect(menu, &QMenu::aboutToShow, calendar, [this, calendar] {
       const QDate day(field_.day.year, field_.day.month, field_.day.day);
       if (day.isValid()) calendar->setSelectedDate(day);
@@ -583,7 +588,13 @@ PagesView::PagesView(const toolkit::Pages& pages, QWidget* parent, const Ways& w
     tabs_->setCurrentIndex((tabs_->currentIndex() + step + tabs_->count()) % tabs_->count());
   };
   new QShortcut(QKeySequence::NextChild, tabs_, [turn] { turn(1); });
-  new QShortcut(QKeySequence::PreviousChild, tabs_, [turn] { turn(-1); });
+  const auto turn_back = [turn] { turn(-1); };
+  auto* const back = new QShortcut(tabs_);
+  // Windowing systems disagree on what Shift makes of the key, and some give several of these at once.
+  back->setKeys(
+      {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, Qt::CTRL | Qt::Key_Backtab});
+  QObject::connect(back, &QShortcut::activated, tabs_, turn_back);
+  QObject::connect(back, &QShortcut::activatedAmbiguously, tabs_, turn_back);
 }
 
 QWidget* PagesView::Page(int index) {

@@ -47,7 +47,7 @@ MainWindow::MainWindow(Waits& waits, std::string library)
   status_ = new StatusLine;
   setStatusBar(status_);
   BuildActions();
-  ShowProject({});
+  ShowProject({}, /*same=*/false);
   resize(OnScreen(*this, {1280, 800}));
   QSettings remembered = Remembered();
   restoreGeometry(remembered.value(QStringLiteral("window/geometry")).toByteArray());
@@ -183,15 +183,16 @@ void MainWindow::BuildActions() {
 
 void MainWindow::WithoutPlugin(std::function<void()> work) {
   if (!waits_.plugin_runs()) return work();
+  const QString ended =
+      picking_ ? QStringLiteral("Die Punktabfrage wurde beendet.") : QStringLiteral("Das Modul wurde beendet.");
+  after_plugin_ = [this, ended, work = std::move(work)] {
+    ShowMessage(ended);
+    work();
+  };
   if (picking_) {
-    after_plugin_ = [this, work = std::move(work)] {
-      ShowMessage(QStringLiteral("Die Punktabfrage wurde beendet."));
-      work();
-    };
     StopPicking();
-  } else {
-    after_plugin_ = std::move(work);
-    if (menu_waits_) Command(0);
+  } else if (menu_waits_) {
+    Command(0);
   }
 }
 
@@ -200,21 +201,21 @@ void MainWindow::Open(const QString& path) {
     const QString named = QFileInfo(path).isAbsolute() ? path : QFileInfo(path).absoluteFilePath();
     OpenedProject opened = OpenProject(QFile::encodeName(named).toStdString());
     if (opened.open) {
-      opened_ = named;
+      const bool same = std::exchange(opened_, named) == named;
       recent_->Remember(named);
-      return ShowProject(FromAnsi(opened.note));
+      return ShowProject(FromAnsi(opened.note), same);
     }
-    const QString refusal = AsLines(opened.refusal);
-    if (!opened_.isEmpty()) opened = OpenProject(QFile::encodeName(opened_).toStdString());
-    if (!opened.open) opened_.clear();
-    ShowProject(refusal);
+    // What was open may be gone for a moment only: it is asked for again at the next reload.
+    if (!opened_.isEmpty()) OpenProject(QFile::encodeName(opened_).toStdString());
+    ShowProject(AsLines(opened.refusal), /*same=*/true);
   });
 }
 
 void MainWindow::Reload() {
   if (opened_.isEmpty()) return;
   WithoutPlugin([this] {
-    if (!WhyOnlyLooking().empty()) return Open(opened_);
+    if (ProjectFolder().empty() || !WhyOnlyLooking().empty()) return Open(opened_);
+    failure_notice_->Show({});
     std::string note;
     RefreshPointTable(&note);
     project_notice_->Show(AsLines(note));
@@ -222,7 +223,7 @@ void MainWindow::Reload() {
   });
 }
 
-void MainWindow::ShowProject(QString note) {
+void MainWindow::ShowProject(QString note, bool same) {
   const bool open = !ProjectFolder().empty();
   setWindowTitle(open ? QStringLiteral("Korvo – ") + FromAnsi(ProjectName()) : QStringLiteral("Korvo"));
   why_not_ = AsLines(WhyOnlyLooking());
@@ -231,16 +232,17 @@ void MainWindow::ShowProject(QString note) {
   }
   project_notice_->Show(note);
   failure_notice_->Show({});
-  file_notice_->Show({});
-  map_->SetSelected({});
+  if (!same) {
+    file_notice_->Show({});
+    map_->SetSelected({});
+  }
   ReadPoints();
-  map_->ShowAll();
-  UpdateActions();
+  if (!same) map_->ShowAll();
 }
 
 void MainWindow::ReadPoints() {
-  std::vector<std::int32_t> selected;
-  for (const int point : map_->selected()) selected.push_back(points_.Record(point));
+  std::vector<std::pair<std::int32_t, std::string>> selected;
+  for (const int point : map_->selected()) selected.emplace_back(points_.Record(point), points_.Number(point));
   table_->BeginRead();
   try {
     points_.Read();
@@ -256,11 +258,13 @@ void MainWindow::ReadPoints() {
     map_->SetMarked(nas_->Points());
   }
   std::vector<int> again;
-  for (const std::int32_t record : selected) {
-    if (const int point = points_.PointOf(record); point >= 0) again.push_back(point);
+  for (const auto& [record, number] : selected) {
+    const int point = points_.PointOf(record);
+    if (point >= 0 && points_.Number(point) == number) again.push_back(point);
   }
   Select(again);
   status_->ShowCounts(points_);
+  UpdateActions();
 }
 
 QString MainWindow::Ask(Picker* picker) {
@@ -364,6 +368,7 @@ void MainWindow::Command(int number) {
 }
 
 void MainWindow::StartPlugin() {
+  failure_notice_->Show({});
   std::string why;
   bool called = false;
   const bool left = waits_.RunPlugin([&] { called = korvo::RunPlugin(library_, &why); });
@@ -372,7 +377,6 @@ void MainWindow::StartPlugin() {
   std::string note;
   if (!RefreshPointTable(&note) && called) project_notice_->Show(AsLines(note));
   ReadPoints();
-  UpdateActions();
   if (left) {
     close();
   } else if (after_plugin_) {
@@ -442,6 +446,11 @@ void MainWindow::ShowMessage(const QString& text) { status_->showMessage(text, k
 void MainWindow::FileSaved(const QString& path) {
   file_notice_->Show(QStringLiteral("%1 wurde geschrieben.").arg(path), QStringLiteral("Datei anse&hen"),
                      [this, path] { edge_.Run([&] { OpenNas(path); }); });
+}
+
+bool MainWindow::event(QEvent* event) {
+  // The menus have no tips for the status line, and without one they would wipe it.
+  return event->type() == QEvent::StatusTip || QMainWindow::event(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -64,6 +64,7 @@ class MainWindow : public QMainWindow, public Shell {
   void Closed();
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
@@ -76,7 +77,8 @@ class MainWindow : public QMainWindow, public Shell {
   void WithoutPlugin(std::function<void()> work);
 
   void ReadPoints();
-  void ShowProject(QString note);
+  /// `same`: it has been shown before, and what the person sees of it stays.
+  void ShowProject(QString note, bool same);
 
   /// What the person picks; empty for nothing.
   QString Ask(Picker* picker);

@@ -2,13 +2,16 @@
 
 #include <QAbstractItemView>
 #include <QCoreApplication>
+#include <QDialogButtonBox>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
 #include <QIdentityProxyModel>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QLocale>
+#include <QPushButton>
 #include <QTreeView>
 #include <algorithm>
 
@@ -74,6 +77,8 @@ Picker::Picker(QWidget* parent, const QString& title) : QFileDialog(parent, titl
   for (const QTreeView* files : findChildren<QTreeView*>()) {
     files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   }
+  // A click on one must not end the typing of a new name first: that would give it to the file.
+  for (auto* button : findChild<QDialogButtonBox*>()->buttons()) button->setFocusPolicy(Qt::TabFocus);
   RestoreSize(this, SizeKey(), kUsualSize);
 }
 
@@ -95,7 +100,9 @@ void Picker::accept() {
   const QString chosen = selectedFiles().value(0);
   const auto has = [&](const QString& ending) { return chosen.endsWith(ending, Qt::CaseInsensitive); };
   if (!endings.isEmpty() && !QFileInfo(chosen).isDir() && std::none_of(endings.begin(), endings.end(), has)) {
-    selectFile(chosen + QLatin1Char('.') + defaultSuffix());
+    // The toolkit itself leaves the field alone while the person is in it.
+    auto* const name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    name->setText(name->text() + QLatin1Char('.') + defaultSuffix());
   }
   QFileDialog::accept();
 }

@@ -350,6 +350,10 @@ TEST_F(Window, OfASecondUserOnlyShows) {
   EXPECT_FALSE(Find<QAction>("command_6")->isEnabled());
   EXPECT_EQ(window_.OpenNas(QStringLiteral("/gibt/es/nicht")), nullptr);
   EXPECT_TRUE(Notices("schon geöffnet")) << "and what failed";
+  std::filesystem::rename(path_, folder_.File("fort"));
+  window_.Reload();
+  EXPECT_TRUE(Notices("keine Punkttabelle"));
+  std::filesystem::rename(folder_.File("fort"), path_);
   first.Release();
   window_.Reload();
   EXPECT_TRUE(Find<QAction>("command_6")->isEnabled());

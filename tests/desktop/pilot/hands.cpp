@@ -173,6 +173,7 @@ Answer Do(korvo::DialogWindow& window, const toolkit::Event& event) {
 
 void PickFile(QWidget* picker, const QString& path) {
   auto* const name = picker->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  name->setFocus();
   name->setText(path);
   QTest::keyClick(name, Qt::Key_Return);
 }
