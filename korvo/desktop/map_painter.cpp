@@ -4,6 +4,7 @@
 #include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "korvo/desktop/text.h"
 
@@ -20,6 +21,9 @@ constexpr std::size_t kMany = 20000;  // points with marks of middle size
 constexpr double kLabelCell = 4;      // units
 constexpr double kEdge = 60;          // units for the northings
 constexpr int kFontPixels = 11;
+constexpr double kLegendInset = 8;
+constexpr double kLegendMark = 9;
+constexpr double kLegendGap = 3;  // between lines
 const QColor kGround(0xfb, 0xfb, 0xf8);
 const QColor kGridLine(0xdf, 0xe4, 0xea);
 const QColor kFrame(0x37, 0x41, 0x51);
@@ -194,7 +198,7 @@ QImage MapPainter::Picture(const MapCamera& camera, double ratio) {
   }
   ring(selected_, sprites_.selected);
   if (all <= kFew) {
-    for (const Label& label : PlaceLabels(camera, seen, mark)) {
+    for (const Label& label : PlaceLabels(camera, seen, mark, {})) {
       letters_->Write(&picture, label.text, label.left, label.middle);
     }
   }
@@ -206,7 +210,7 @@ QImage MapPainter::Picture(const MapCamera& camera, double ratio) {
 
 std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
                                                        const std::array<std::vector<Seen>, kPointStates>& seen,
-                                                       double mark) {
+                                                       double mark, const QRectF& kept) {
   const double height = QFontMetricsF(font_).height() - 2;
   Occupied occupied(camera.size);
   // The edges belong to the coordinates, a corner to the scale bar.
@@ -215,6 +219,7 @@ std::vector<MapPainter::Label> MapPainter::PlaceLabels(const MapCamera& camera,
   occupied.Take({0, 0, kEdge, size.height()});
   const double bar = RoundLength(kScaleBar / camera.scale) * camera.scale + kEdge / 2;
   occupied.Take({size.width() - bar, size.height() - 4 * height, bar, 4 * height});
+  occupied.Take(kept);
 
   std::vector<Label> labels;
   const auto place = [&](const Seen& s) {
@@ -298,10 +303,17 @@ void MapPainter::WriteGrid(QPainter& painter, const MapCamera& camera) const {
                 bar_bottom - metrics.height() / 2 - kInset);
 }
 
-void MapPainter::Draw(QPainter& painter, const MapCamera& camera, const QString& title) {
+void MapPainter::Draw(QPainter& painter, const MapCamera& camera, const QString& name) {
   std::size_t all = 0;
   const std::array<std::vector<Seen>, kPointStates> seen = See(camera, &all);
   const double mark = MarkSize(all);
+  const QFontMetricsF metrics(font_);
+  const std::vector<LegendLine> lines = LegendLines();
+  const QString title = metrics.elidedText(name, Qt::ElideMiddle, camera.size.width() / 3);
+  double width = metrics.horizontalAdvance(title);
+  for (const LegendLine& line : lines) width = std::max(width, metrics.horizontalAdvance(line.text) + 2 * kLegendMark);
+  const double height = (metrics.height() + kLegendGap) * static_cast<double>(lines.size() + 1) + kLegendInset;
+  const QRectF legend = PlaceLegend(camera, seen, {width + 2 * kLegendInset, height});
   if (letters_ == nullptr) PrepareSprites(1, mark);
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
@@ -313,42 +325,61 @@ void MapPainter::Draw(QPainter& painter, const MapCamera& camera, const QString&
   }
   if (all <= kFew) {
     painter.setFont(font_);
-    for (const Label& label : PlaceLabels(camera, seen, mark)) {
+    for (const Label& label : PlaceLabels(camera, seen, mark, legend)) {
       WriteWithHalo(painter, label.text, label.left, label.middle);
     }
   }
   WriteGrid(painter, camera);
-  DrawLegend(painter, camera, title);
+  DrawLegend(painter, legend, title, lines);
   painter.setPen(QPen(kFrame, 1));
   painter.setBrush(Qt::NoBrush);
   painter.drawRect(QRectF(QPointF(0.5, 0.5), camera.size - QSizeF(1, 1)));
   painter.restore();
 }
 
-void MapPainter::DrawLegend(QPainter& painter, const MapCamera& camera, const QString& title) const {
-  constexpr double kInset = 8;
-  constexpr double kLegendMark = 9;
-  const QFontMetricsF metrics(font_);
-  const double line = metrics.height() + 3;
-  double width = metrics.horizontalAdvance(title);
-  std::vector<std::pair<PointState, QString>> lines;
+std::vector<MapPainter::LegendLine> MapPainter::LegendLines() const {
+  std::vector<LegendLine> lines;
   for (int i = 0; i < kPointStates; ++i) {
     const auto state = static_cast<PointState>(i);
     if (points_.CountOf(state) == 0) continue;
-    lines.emplace_back(state, QStringLiteral("%1 (%2)").arg(NameOf(state)).arg(points_.CountOf(state)));
-    width = std::max(width, metrics.horizontalAdvance(lines.back().second) + 2 * kLegendMark);
+    lines.push_back({state, QStringLiteral("%1 (%2)").arg(NameOf(state)).arg(points_.CountOf(state))});
   }
-  const double height = line * static_cast<double>(lines.size() + 1) + kInset;
-  const QRectF box(camera.size.width() - width - 3 * kInset, kInset, width + 2 * kInset, height);
+  return lines;
+}
+
+QRectF MapPainter::PlaceLegend(const MapCamera& camera, const std::array<std::vector<Seen>, kPointStates>& seen,
+                               QSizeF size) const {
+  const double right = camera.size.width() - size.width() - kLegendInset;
+  const double bottom = camera.size.height() - size.height() - 3 * QFontMetricsF(font_).height();
+  QRectF best;
+  std::size_t fewest = std::numeric_limits<std::size_t>::max();
+  // The fourth corner is the scale bar's.
+  for (const QPointF& corner : {QPointF(right, kLegendInset), QPointF(kEdge, kLegendInset), QPointF(kEdge, bottom)}) {
+    const QRectF box(corner, size);
+    std::size_t covered = 0;
+    for (const std::vector<Seen>& all : seen) {
+      covered += static_cast<std::size_t>(
+          std::count_if(all.begin(), all.end(), [&](const Seen& s) { return box.contains(s.at); }));
+    }
+    if (covered < fewest) best = box;
+    fewest = std::min(fewest, covered);
+  }
+  return best;
+}
+
+void MapPainter::DrawLegend(QPainter& painter, const QRectF& box, const QString& title,
+                            const std::vector<LegendLine>& lines) const {
+  const double line = QFontMetricsF(font_).height() + kLegendGap;
+  painter.setFont(font_);
   painter.setPen(QPen(kGridLine, 1));
   painter.setBrush(Qt::white);
   painter.drawRect(box);
-  double middle = box.top() + kInset / 2 + line / 2;
-  WriteWithHalo(painter, title, box.left() + kInset, middle);
+  double middle = box.top() + kLegendInset / 2 + line / 2;
+  WriteWithHalo(painter, title, box.left() + kLegendInset, middle);
   for (const auto& [state, text] : lines) {
     middle += line;
-    DrawMark(painter, state, {box.left() + kInset + kLegendMark / 2, middle}, kLegendMark);
-    WriteWithHalo(painter, text, box.left() + kInset + 2 * kLegendMark, middle);
+    DrawMark(painter, state, {box.left() + kLegendInset + kLegendMark / 2, middle}, kLegendMark);
+    WriteWithHalo(painter, text, box.left() + kLegendInset + 2 * kLegendMark, middle);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <array>
 #include <memory>
@@ -50,7 +51,7 @@ class MapPainter {
   /// Fast, for the screen; `ratio` is its pixels for a unit.
   QImage Picture(const MapCamera& camera, double ratio);
   /// The same in shapes, for paper, with a legend.
-  void Draw(QPainter& painter, const MapCamera& camera, const QString& title);
+  void Draw(QPainter& painter, const MapCamera& camera, const QString& name);
 
   const QFont& font() const { return font_; }
 
@@ -58,6 +59,10 @@ class MapPainter {
   struct Seen {
     int point;
     QPointF at;
+  };
+  struct LegendLine {
+    PointState state;
+    QString text;
   };
   struct Label {
     QString text;
@@ -75,11 +80,17 @@ class MapPainter {
 
   std::array<std::vector<Seen>, kPointStates> See(const MapCamera& camera, std::size_t* all) const;
   static double MarkSize(std::size_t points);
+  /// None stands in `kept`.
   std::vector<Label> PlaceLabels(const MapCamera& camera, const std::array<std::vector<Seen>, kPointStates>& seen,
-                                 double mark);
+                                 double mark, const QRectF& kept);
   void DrawGridLines(QPainter& painter, const MapCamera& camera) const;
   void WriteGrid(QPainter& painter, const MapCamera& camera) const;
-  void DrawLegend(QPainter& painter, const MapCamera& camera, const QString& title) const;
+  std::vector<LegendLine> LegendLines() const;
+  /// Where the legend covers the fewest points.
+  QRectF PlaceLegend(const MapCamera& camera, const std::array<std::vector<Seen>, kPointStates>& seen,
+                     QSizeF size) const;
+  void DrawLegend(QPainter& painter, const QRectF& box, const QString& title,
+                  const std::vector<LegendLine>& lines) const;
   void PrepareSprites(double ratio, double size);
 
   const PointSet& points_;
