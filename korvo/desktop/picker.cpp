@@ -77,8 +77,6 @@ Picker::Picker(QWidget* parent, const QString& title) : QFileDialog(parent, titl
   for (const QTreeView* files : findChildren<QTreeView*>()) {
     files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   }
-  // A click on one must not end the typing of a new name first: that would give it to the file.
-  for (auto* button : findChild<QDialogButtonBox*>()->buttons()) button->setFocusPolicy(Qt::TabFocus);
   RestoreSize(this, SizeKey(), kUsualSize);
 }
 
@@ -90,6 +88,8 @@ QString Picker::Ask(Waits& waits, ModalGuard& guard) {
     reject();
   });
   connect(this, &QDialog::finished, this, [&] { wait.Stop(); });
+  // A click on one must not end the typing of a new name first: that would give it to the file.
+  for (auto* button : findChild<QDialogButtonBox*>()->buttons()) button->setFocusPolicy(Qt::TabFocus);
   const ModalGuard::Hold hold(guard, *this);
   show();
   wait.Run();

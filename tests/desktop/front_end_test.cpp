@@ -1,6 +1,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QLabel>
@@ -411,18 +412,20 @@ TEST_F(Windows, LeavingClosesPopupsWithLoopsOfTheirOwn) {
 TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
   const support::TempFolder folder;
   const std::string file = folder.Write("alt.XML", "alt");
-  for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_Menu, Qt::Key_F2}) {
-    Then([&, key](QWidget* window) {
+  for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_Menu, Qt::Key_F2, Qt::Key_Cancel}) {
+    const bool by_click = key == Qt::Key_Cancel;
+    Then([&, key, by_click](QWidget* window) {
       auto* const files = window->findChild<QTreeView*>();
       static_cast<QFileDialog*>(window)->setDirectory(QString::fromStdString(folder.path()));
       EXPECT_TRUE(QTest::qWaitFor([&] { return files->model()->rowCount(files->rootIndex()) == 1; }));
       files->setFocus();
       files->setCurrentIndex(files->model()->index(0, 0, files->rootIndex()));
-      if (key == Qt::Key_F2) {
-        QTest::keyClick(files, key);
+      if (key == Qt::Key_F2 || by_click) {
+        QTest::keyClick(files, Qt::Key_F2);
         QTest::keyClicks(window->focusWidget(), QStringLiteral("anders"));
-        waits.Leave();
-        return;
+        if (!by_click) return static_cast<void>(waits.Leave());
+        auto* const cancel = window->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel);
+        return QTest::mouseClick(static_cast<QWidget*>(cancel), Qt::LeftButton);
       }
       Then([&](QWidget* question) {
         EXPECT_TRUE(qobject_cast<QMessageBox*>(question) != nullptr || QApplication::activePopupWidget() != nullptr);
@@ -432,10 +435,11 @@ TEST_F(Windows, LeavingAPickerThatAsksDoesNothingToTheFile) {
       QTest::mouseClick(window->windowHandle(), Qt::RightButton, {}, files->mapTo(window, files->rect().center()));
     });
     std::string path;
-    EXPECT_TRUE(waits.RunPlugin([&] {
+    const bool left = waits.RunPlugin([&] {
       EXPECT_FALSE(desktop.PickFile({.save = true, .title = "", .path = "", .filters = {}, .default_extension = "*"},
                                     &path, nullptr));
-    }));
+    });
+    EXPECT_NE(left, by_click);
     EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(file)));
   }
 }
