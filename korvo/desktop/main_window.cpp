@@ -137,6 +137,7 @@ void MainWindow::BuildActions() {
   action(file, QStringLiteral("NAS-Datei &ansehen …"), QKeySequence(QStringLiteral("Ctrl+N")), [this] { AskForNas(); });
   save_map_ =
       action(file, QStringLiteral("&Karte speichern …"), QKeySequence(QStringLiteral("Ctrl+K")), [this] { SaveMap(); });
+  save_map_->setObjectName(QStringLiteral("save_map"));
   file->addSeparator();
   action(file, QStringLiteral("&Beenden"), QKeySequence(QStringLiteral("Ctrl+Q")), [this] { close(); });
   edge_.Connect(recent_, &RecentMenu::Chosen, this, [this](const QString& path) { Open(path); });

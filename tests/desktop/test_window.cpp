@@ -289,7 +289,10 @@ TEST_F(Window, ReloadsTheTableThatIsThereNow) {
     const std::string other = std::string(bytes).replace(number, 4, t.number).substr(0, t.size);
     const std::string written = folder_.Write(t.in_place ? "punkte.dbf" : "sicherung", other);
     std::filesystem::rename(written, path_);
+    Find<QTableView>("table")->selectRow(0);
     window_.Reload();
+    EXPECT_TRUE(window_.map().selected().empty()) << "of another number";
+    EXPECT_EQ(Find<QAction>("save_map")->isEnabled(), *t.notice == '\0');
     EXPECT_EQ(window_.points().count() > 0 ? window_.points().Number(0) : "", t.number);
     EXPECT_EQ(Find<QWidget>("project_notice")->isVisible(), *t.notice != '\0') << t.number;
     EXPECT_TRUE(*t.notice == '\0' || Notices(t.notice));
