@@ -15,6 +15,10 @@ CTreeNode* Child(CTreeNode* node, const char* name) {
   return node != nullptr ? node->FindChild(name, /*local_name=*/true) : nullptr;
 }
 
+std::string Refusal(const std::string& template_path, const std::string& what) {
+  return "Fehler: Vorlage '" + template_path + "' ist " + what;
+}
+
 }  // namespace
 
 Frame::Frame() : document_(std::make_unique<CTreeDocument>()) {
@@ -31,7 +35,9 @@ std::string Frame::Open(const std::string& template_path, const std::string& app
   CTreeNode* application = Child(root, "antragsnummer");
   CTreeNode* order = Child(root, "auftragsnummer");
   if (application == nullptr || order == nullptr) {
-    return "Fehler: Vorlage '" + template_path + "' ist unvollständig"_ansi;
+    const XmlFault& fault = document_->GetXmlFault();
+    if (root != nullptr || fault.kind == XmlFault::Kind::kNone) return Refusal(template_path, "unvollständig"_ansi);
+    return Refusal(template_path, "kein XML ab Zeile " + std::to_string(fault.line));
   }
   application->SetValue(application_number);
   order->SetValue(order_number);

@@ -13,11 +13,26 @@ namespace pktaus {
 /// Blocks begin at multiples of it.
 inline constexpr std::size_t kPage = 4096;
 
-/// Hands out bytes without any alignment from large blocks; all of them are given back at once, when the store dies.
+/// Hands out bytes without any alignment from large blocks; all of them are given back at once, when the store dies, or
+/// those taken last when it goes back to a mark.
 ///
 /// Large pages are not asked for: they spare faults, but most virtual machines fetch them from their host first.
 class BlockStore {
  public:
+  /// How far the store was used.
+  struct Mark {
+    std::size_t blocks;
+    char* next;
+    std::size_t left;
+  };
+  Mark Used() const { return {blocks_.size(), next_, left_}; }
+  /// Gives back what was taken since the mark, which nothing may use any more.
+  void GoBack(const Mark& mark) {
+    blocks_.resize(mark.blocks);
+    next_ = mark.next;
+    left_ = mark.left;
+  }
+
   char* Take(std::size_t size) {
     if (size > left_) return TakeFromNew(size);
     left_ -= size;
@@ -63,6 +78,18 @@ class ObjectStore {
     if (kSize > left_) BeginPage();
     left_ -= kSize;
     return std::exchange(next_, next_ + kSize);
+  }
+
+  struct Mark {
+    BlockStore::Mark pages;
+    char* next;
+    std::size_t left;
+  };
+  Mark Used() const { return {pages_.Used(), next_, left_}; }
+  void GoBack(const Mark& mark) {
+    pages_.GoBack(mark.pages);
+    next_ = mark.next;
+    left_ = mark.left;
   }
 
   /// The owner of the store that `object` lies in.

@@ -1,6 +1,7 @@
 // A tree of nodes with two surface forms: XML (NAS files) and ini (settings, catalogues).
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,22 @@ namespace pktaus {
 /// Levels of elements that may be open within one another while an XML file is read, the root included. A file that
 /// opens more, whether or not they prove to be elements in the end, loads with a null root.
 inline constexpr int kMaxDepth = 10000;
+
+/// Why reading an XML file gave no root.
+struct XmlFault {
+  enum class Kind {
+    kNone,       ///< there is a root
+    kNotRead,    ///< a read of the system failed there
+    kNoElement,  ///< no element begins where the root should
+    kNotClosed,  ///< the closing tag of an element was expected there
+    kTooDeep,    ///< more levels than kMaxDepth
+    kName,       ///< a name that the name table refuses
+    kTooOften,   ///< damaged so that it would have to be read more often than the reader's bound allows
+  };
+  Kind kind = Kind::kNone;
+  std::uint64_t offset = 0;  ///< bytes from the begin, CR LF counted as one
+  std::uint64_t line = 0;    ///< from 1; 0 with kNone
+};
 
 /// Owner of a tree, of its names and of the storage of all its nodes. A new document has an XML header and no root.
 class CTreeDocument {
@@ -43,6 +60,8 @@ class CTreeDocument {
   /// as do names that the name table refuses and more levels than kMaxDepth. Header and nodes of before are gone then,
   /// names stay. `scan_all` goes to NeedsStaging.
   bool LoadXml(std::string_view path, bool scan_all);
+  /// Why the last XML file that could be opened gave a null root.
+  const XmlFault& GetXmlFault() const { return xml_fault_; }
   /// Reads an ini file; true if it could be opened and read to its end, else the document is unchanged. With
   /// `free_keys` a key in single quotes is a free key as one in double quotes always is.
   bool LoadIni(std::string_view path, bool free_keys);
@@ -67,7 +86,16 @@ class CTreeDocument {
 
   // Of the nodes and of all that they hold.
   struct Storage {
+    struct Mark {
+      ObjectStore::Mark objects;
+      BlockStore::Mark texts;
+    };
     explicit Storage(CTreeDocument* document) : objects(document) {}
+    Mark Used() const { return {objects.Used(), texts.Used()}; }
+    void GoBack(const Mark& mark) {
+      objects.GoBack(mark.objects);
+      texts.GoBack(mark.texts);
+    }
     ObjectStore objects;
     BlockStore texts;
   };
@@ -87,6 +115,7 @@ class CTreeDocument {
   std::string path_;
   CNameTable names_;
   std::unique_ptr<Storage> storage_;
+  XmlFault xml_fault_;
   bool spoilt_ = false;  // a name was refused to a program
 };
 

@@ -1,13 +1,12 @@
 #include "tree/xml_reader.h"
 
-#include <cstring>
+#include <algorithm>
 
 #include "tree/umlauts.h"
 
 namespace pktaus {
 namespace {
 
-constexpr std::uint64_t kNever = UINT64_MAX;
 constexpr std::size_t kFewAttributes = 8;
 constexpr std::string_view kDropped = "gmd:CI_ResponsibleParty";
 
@@ -32,7 +31,7 @@ std::string_view Trim(std::string_view text) {
 
 }  // namespace
 
-void XmlReader::ReadFile() {
+XmlFault XmlReader::ReadFile() {
   stream_->ReadUntil('<', &text_spill_);  // a byte order mark and the like
   ReadHeader();
   SkipDoctype();
@@ -40,12 +39,29 @@ void XmlReader::ReadFile() {
   while (ReadTop(Want::kMarkup) != nullptr) {
   }
   CTreeNode* root = ReadTop(Want::kElement);
-  if (stopped_) root = nullptr;
-  if (root != nullptr) {
+  if (root != nullptr && !stream_->Failed()) {
     document_->root_ = root;
-    FillLacks();
+    return {};
   }
-  if (stopped_ || stream_->Failed()) document_->root_ = nullptr;
+  if (stream_->Failed()) Stop(XmlFault::Kind::kNotRead);
+  Blame(XmlFault::Kind::kNoElement, stream_->GetPosition());
+  stream_->Seek(0);
+  fault_.line = 1;
+  while (stream_->GetPosition() < fault_.offset && stream_->Peek() >= 0) {
+    fault_.line += stream_->Peek() == '\n' ? 1 : 0;
+    stream_->Skip();
+  }
+  return fault_;
+}
+
+// An element that cannot be read makes those around it fail as well: the first one is where the file is wrong.
+void XmlReader::Blame(XmlFault::Kind kind, std::uint64_t offset) {
+  if (fault_.kind == XmlFault::Kind::kNone) fault_ = {kind, offset};
+}
+
+void XmlReader::Stop(XmlFault::Kind kind) {
+  if (!stopped_) fault_ = {kind, stream_->GetPosition()};
+  stopped_ = true;
 }
 
 void XmlReader::ReadHeader() {
@@ -73,8 +89,7 @@ void XmlReader::SkipDoctype() {
     tag = ReadTagName(&read, &has_attributes);
     name = read;
     if (name.starts_with('!') || name.starts_with('?')) tag = Tag::kNone;
-    CTreeNode* node = document_->MakeNode(document_->Intern(name));
-    if (tag != Tag::kNone && has_attributes) tag = ReadAttributes(node);
+    if (tag != Tag::kNone && has_attributes) tag = ReadAttributes(nullptr);
     if (tag == Tag::kOpen) stream_->ReadUntil('<', &text_spill_);
   }
   if (tag == Tag::kNone) {
@@ -106,16 +121,15 @@ CTreeNode* XmlReader::ReadTop(Want want) {
         CloseNode();  // no children
         continue;
       }
-      open_.push_back({item_, kept_.size()});
+      open_.push_back({item_});
       SkipSpace();
-      NextItem();
+      OpenItem(Want::kAny);
     } else if (open_.empty()) {
       return item_.node;
     } else if (item_.node != nullptr) {
       AddItem();
-      NextItem();
+      OpenItem(Want::kAny);
     } else {
-      EndList();
       item_ = open_.back().item;
       open_.pop_back();
       CloseNode();
@@ -126,13 +140,9 @@ CTreeNode* XmlReader::ReadTop(Want want) {
 
 // Tries an element or a markup. Without a node the stream is back at the start.
 void XmlReader::OpenItem(Want want) {
-  const std::uint64_t start = stream_->GetPosition();
-  item_.node = nullptr;
-  item_.start = start;
-  item_.levels = 0;
-  item_.is_old = start < frontier_;
-  item_.dropped = item_.is_open = false;
-  frontier_ = std::max(frontier_, start + 1);
+  item_ = {};
+  item_.start = stream_->GetPosition();
+  item_.used = document_->storage_->Used();
   SkipSpace();
   if (stream_->Peek() == '<') {
     stream_->Skip();
@@ -144,13 +154,13 @@ void XmlReader::OpenItem(Want want) {
       OpenNamed(false);
     }
   }
-  if (item_.node == nullptr) stream_->Seek(start);
+  if (item_.node == nullptr) DropItem();
 }
 
 void XmlReader::OpenMarkup() {
   if (stream_->Accept("--")) {
     item_.node = document_->MakeMarkup(document_->Intern("--"));
-    ReadComment(item_.node);
+    SetText(item_.node, ReadToMark(true), true);
   } else if (stream_->Accept("[")) {
     item_.node = document_->MakeMarkup(document_->Intern("["));
     ReadSection(item_.node);
@@ -163,106 +173,51 @@ void XmlReader::OpenNamed(bool markup) {
   std::string_view name;
   bool has_attributes = false;
   Tag tag = ReadTagName(&name, &has_attributes);
-  names_.MoveFrontier(stream_->GetPosition());
   if (tag == Tag::kNone || (markup && !name.empty() && (name.front() == '!' || name.front() == '?'))) return;
   const NameId id = document_->Intern(name);
-  if (id == kNoName) stopped_ = true;
+  if (id == kNoName) Stop(XmlFault::Kind::kName);
   item_.name = document_->NameOf(id);
-  item_.dropped = item_.name == kDropped;
   CTreeNode* node = markup ? document_->MakeMarkup(id) : document_->MakeNode(id);
-  if (has_attributes) {
-    const std::uint64_t from = stream_->GetPosition();
-    if (from >= tag_frontier_) {
-      tag = ReadAttributes(node);
-      tag_frontier_ = stream_->GetPosition();
-    } else {
-      tag = FindTagEnd();
-      lacks_[node].attributes = true;
-      lacks_[node].attributes_from = from;
-    }
-  }
+  if (has_attributes) tag = ReadAttributes(node);
   if (tag == Tag::kNone) return;
-  if (open_.size() >= static_cast<std::size_t>(kMaxDepth)) stopped_ = true;
+  if (open_.size() >= static_cast<std::size_t>(kMaxDepth)) Stop(XmlFault::Kind::kTooDeep);
   item_.node = node;
   item_.is_open = tag == Tag::kOpen;
-  item_.levels = 1;
-}
-
-// The next item of the list that is being read, or the end of the list. Where the rest of the list is known it joins.
-void XmlReader::NextItem() {
-  const std::uint64_t position = stream_->GetPosition();
-  if (position < frontier_) {
-    const auto known = rests_.find(position);
-    if (known != rests_.end()) {
-      joined_ = &known->second;
-      item_ = {};
-      return;
-    }
-  }
-  OpenItem(Want::kAny);
 }
 
 void XmlReader::AddItem() {
+  if (item_.name == kDropped) return;
   OpenNode& parent = open_.back();
-  if (!item_.dropped) {
-    parent.item.node->AddChildAfter(item_.node, parent.last_child);
-    parent.last_child = item_.node;
-  }
-  parent.item.levels = std::max(parent.item.levels, 1 + item_.levels);
-  if (item_.is_old || kept_.size() > parent.first_kept) kept_.push_back(item_);
-}
-
-// Ends the child list of the innermost open node and remembers it from each of its old items on.
-void XmlReader::EndList() {
-  OpenNode& parent = open_.back();
-  ListRest rest{nullptr, nullptr, item_.start, item_.levels};
-  if (joined_ != nullptr) {
-    rest = *joined_;
-    joined_ = nullptr;
-    if (rest.first != nullptr) {
-      parent.item.node->AddChildAfter(rest.first, parent.last_child);
-      parent.last_child = rest.last;
-    }
-    if (open_.size() + static_cast<std::size_t>(rest.levels) > static_cast<std::size_t>(kMaxDepth)) stopped_ = true;
-    stream_->Seek(rest.end);
-  } else if (item_.is_old || kept_.size() > parent.first_kept) {
-    rests_[item_.start] = rest;
-  }
-  parent.item.levels = std::max(parent.item.levels, 1 + rest.levels);
-  rest.last = parent.last_child;
-  for (; kept_.size() > parent.first_kept; kept_.pop_back()) {
-    const Item& item = kept_.back();
-    if (!item.dropped) rest.first = item.node;
-    rest.levels = std::max(rest.levels, item.levels);
-    rests_[item.start] = rest;
-  }
+  parent.item.node->AddChildAfter(item_.node, parent.last_child);
+  parent.last_child = item_.node;
 }
 
 // Reads value and closing tag of an open node. Without a closing tag the stream is back at its start.
 void XmlReader::CloseNode() {
   item_.is_open = false;
-  ReadText(item_.node);
+  SetText(item_.node, stream_->ReadUntil('<', &text_spill_), true);
+  const std::uint64_t text_end = stream_->GetPosition();
   if (ReadEndTag(item_.name)) return;
+  Blame(XmlFault::Kind::kNotClosed, text_end);
+  DropItem();
+}
+
+// Puts stream and memory back to where the item began. A file that makes this cost too much ends the load.
+void XmlReader::DropItem() {
   item_.node = nullptr;
+  document_->storage_->GoBack(item_.used);
+  furthest_ = std::max(furthest_, stream_->GetPosition());
+  if (stream_->ByteReads() > kMostReads * furthest_ + kFreeReads) Stop(XmlFault::Kind::kTooOften);
   stream_->Seek(item_.start);
 }
 
 // Reads a tag's name and what ends it. The name is valid until the next read.
 XmlReader::Tag XmlReader::ReadTagName(std::string_view* name, bool* has_attributes) {
-  const std::uint64_t from = stream_->GetPosition();
-  if (!names_.IsNew(from)) {
-    const ScanMemo::Found found = Search(&names_, [this](std::uint64_t* end) {
-      *end = stream_->GetPosition() + 1;
-      return stream_->Peek() == '>' || IsSpace(stream_->Peek());
-    });
-    if (found.end == found.mark) return Tag::kNone;  // the file ends in the name
-    stream_->Seek(from);
-  }
   *name = stream_->ReadUntil(kNameStops.is, &name_spill_);
   if (stream_->Peek() == '/') {
     name_ = *name;
     while (stream_->Peek() == '/') {
-      SkipRun(&slash_runs_, [](int c) { return c == '/'; });
+      stream_->SkipWhile([](int c) { return c == '/'; });
       if (stream_->Peek() == '>') {
         stream_->Skip();
         *name = name_;
@@ -283,6 +238,7 @@ XmlReader::Tag XmlReader::ReadTagName(std::string_view* name, bool* has_attribut
   return Tag::kOpen;
 }
 
+// Without a node they are read over.
 XmlReader::Tag XmlReader::ReadAttributes(CTreeNode* node) {
   attribute_count_ = 0;
   last_attribute_ = nullptr;
@@ -317,9 +273,10 @@ XmlReader::Tag XmlReader::ReadAttributes(CTreeNode* node) {
 }
 
 void XmlReader::SetAttribute(CTreeNode* node) {
+  if (node == nullptr) return;
   const NameId id = document_->Intern(attribute_name_);
   if (id == kNoName) {
-    stopped_ = true;
+    Stop(XmlFault::Kind::kName);
     return;
   }
   CTreeAttribute* known = nullptr;
@@ -344,108 +301,14 @@ void XmlReader::SetAttribute(CTreeNode* node) {
   }
 }
 
-// The end of a tag whose attributes begin here and are read later, if at all.
-XmlReader::Tag XmlReader::FindTagEnd() {
-  const std::uint64_t from = stream_->GetPosition();
-  std::vector<std::pair<std::uint64_t, std::uint64_t>> runs;  // outside quotes: first and last position
-  std::uint64_t end = kNever;
-  for (bool ended = false; !ended;) {
-    const std::uint64_t first = stream_->GetPosition();
-    auto next = tag_runs_.upper_bound(first);
-    if (next != tag_runs_.begin() && std::prev(next)->second.last >= first) {
-      end = std::prev(next)->second.end;
-      break;
-    }
-    const std::uint64_t known = next == tag_runs_.end() ? kNever : next->first;
-    int c = stream_->Peek();
-    for (; c >= 0 && c != '"' && c != '>' && stream_->GetPosition() < known; c = stream_->Peek()) stream_->Skip();
-    const std::uint64_t last = stream_->GetPosition();
-    if (last == known) {  // goes on with what is known from here on
-      if (last > first) runs.emplace_back(first, last - 1);
-      continue;
-    }
-    runs.emplace_back(first, last);
-    if (c == '>') end = last;
-    ended = c != '"';
-    if (c != '"') continue;
-    stream_->Skip();
-    stream_->ReadUntil('"', &text_spill_);
-    ended = stream_->Peek() < 0;
-    if (!ended) stream_->Skip();
-  }
-  for (const auto& [first, last] : runs) tag_runs_[first] = {last, end};
-  if (end == kNever) return Tag::kNone;
-  stream_->Seek(end - 1);
-  const bool closed = end > from && stream_->Peek() == '/';
-  stream_->Seek(end + 1);
-  return closed ? Tag::kClosed : Tag::kOpen;
-}
-
-// Goes to the first position from here on for which `is_mark` gives true and sets the end of the mark.
-template <typename IsMark>
-ScanMemo::Found XmlReader::Search(ScanMemo* memo, IsMark is_mark) {
-  const std::uint64_t from = stream_->GetPosition();
-  const ScanMemo::Found* known = memo->Find(from);
-  if (known == nullptr) {
-    const std::uint64_t limit = memo->NextKnown(from);
-    std::uint64_t end = 0;
-    while (stream_->GetPosition() < limit && stream_->Peek() >= 0 && !is_mark(&end)) stream_->Skip();
-    const std::uint64_t at = stream_->GetPosition();
-    if (at >= limit) {
-      memo->Keep(from, *memo->Find(limit));
-    } else {
-      memo->Keep(from, {at, stream_->Peek() < 0 ? at : end});
-    }
-    known = memo->Find(from);
-  }
-  stream_->Seek(known->end);
-  return *known;
-}
-
-template <typename IsPart>
-void XmlReader::SkipRun(ScanMemo* memo, IsPart is_part) {
-  if (memo->IsNew(stream_->GetPosition())) {
-    stream_->SkipWhile(is_part);
-    memo->MoveFrontier(stream_->GetPosition());
-  } else if (is_part(stream_->Peek())) {
-    Search(memo, [this, is_part](std::uint64_t* end) {
-      *end = stream_->GetPosition();
-      return !is_part(stream_->Peek());
-    });
-  }
-}
-
-void XmlReader::SkipSpace() { SkipRun(&spaces_, IsSpace); }
-
-void XmlReader::ReadText(CTreeNode* node) {
-  const std::uint64_t from = stream_->GetPosition();
-  if (texts_.IsNew(from)) {
-    const std::string_view text = stream_->ReadUntil('<', &text_spill_);
-    SetText(node, text, true);
-    texts_.MoveFrontier(stream_->GetPosition());
-    return;
-  }
-  const ScanMemo::Found found = Search(&texts_, [this](std::uint64_t* end) {
-    *end = stream_->GetPosition();
-    return stream_->Peek() == '<';
-  });
-  if (found.mark == from) return;
-  Lack& lack = lacks_[node];
-  lack.text = lack.convert = true;
-  lack.text_from = from;
-  lack.text_end = found.mark;
-}
+void XmlReader::SkipSpace() { stream_->SkipWhile(IsSpace); }
 
 // The closing tag may stand behind anything that holds no '/'.
 bool XmlReader::ReadEndTag(std::string_view name) {
   if (!stream_->Accept("<")) return false;
-  if (!stream_->Accept("/")) {
-    const ScanMemo::Found found = Search(&slashes_, [this](std::uint64_t* end) {
-      *end = stream_->GetPosition() + 1;
-      return stream_->Peek() == '/';
-    });
-    if (found.end == found.mark) return false;
-  }
+  stream_->ReadUntil('/', &text_spill_);
+  if (stream_->Peek() < 0) return false;
+  stream_->Skip();
   return stream_->Accept(name) && stream_->Accept(">");
 }
 
@@ -463,42 +326,8 @@ std::string_view XmlReader::ReadToMark(bool comment) {
   }
 }
 
-bool XmlReader::IsCommentMark(std::uint64_t* end) {
-  const int c = stream_->Peek();
-  if (c != '/' && c != '?' && c != '-') return false;
-  const std::uint64_t at = stream_->GetPosition();
-  const bool is_mark = stream_->Accept("/>") || stream_->Accept("?>") || stream_->Accept("-->");
-  *end = stream_->GetPosition();
-  stream_->Seek(at);
-  return is_mark;
-}
-
-void XmlReader::ReadComment(CTreeNode* node) {
-  const std::uint64_t from = stream_->GetPosition();
-  if (comments_.IsNew(from)) {
-    SetText(node, ReadToMark(true), true);
-    comments_.MoveFrontier(stream_->GetPosition());
-    return;
-  }
-  const ScanMemo::Found found = Search(&comments_, [this](std::uint64_t* end) { return IsCommentMark(end); });
-  Lack& lack = lacks_[node];
-  lack.text = lack.convert = true;
-  lack.text_from = from;
-  lack.text_end = found.mark;
-}
-
 // The text up to the bracket that closes the section, and one byte behind it, or up to the end of the file.
 void XmlReader::ReadSection(CTreeNode* node) {
-  const std::uint64_t from = stream_->GetPosition();
-  if (from < section_frontier_) {
-    const std::uint64_t close = FindSectionEnd();
-    Lack& lack = lacks_[node];
-    lack.text = true;
-    lack.convert = close == kNever;
-    lack.text_from = from;
-    lack.text_end = close;
-    return;
-  }
   mark_text_.clear();
   for (int depth = 1;;) {
     mark_text_.append(stream_->ReadUntil(kBrackets.is, &text_spill_));
@@ -512,45 +341,6 @@ void XmlReader::ReadSection(CTreeNode* node) {
     mark_text_.push_back(static_cast<char>(c));
   }
   if (stream_->Peek() >= 0) stream_->Skip();
-  section_frontier_ = stream_->GetPosition();
-}
-
-// Goes behind the end of the section that begins here, and learns the ends of all sections in it on the way.
-std::uint64_t XmlReader::FindSectionEnd() {
-  const std::uint64_t from = stream_->GetPosition();
-  std::vector<std::pair<std::uint64_t, std::uint64_t>> open = {{from, 1}};  // begin, depth
-  std::uint64_t depth = 1;
-  int before = 0;
-  int before_that = 0;
-  if (section_ends_.contains(from)) open.clear();
-  while (!open.empty() && stream_->Peek() >= 0) {
-    const int c = stream_->Peek();
-    const std::uint64_t at = stream_->GetPosition();
-    stream_->Skip();
-    if (c == ']' && depth-- == open.back().second) {
-      section_ends_[open.back().first] = at;
-      open.pop_back();
-    } else if (c == '[') {
-      ++depth;
-      if (before == '!' && before_that == '<') {
-        const auto known = section_ends_.find(at + 1);
-        if (known == section_ends_.end()) {
-          open.emplace_back(at + 1, depth);
-        } else {
-          --depth;
-          stream_->Seek(known->second);
-          if (known->second != kNever) stream_->Skip();
-        }
-      }
-    }
-    before_that = before;
-    before = c;
-  }
-  for (const auto& section : open) section_ends_[section.first] = kNever;
-  const std::uint64_t close = section_ends_[from];
-  stream_->Seek(close);
-  for (int i = 0; i < 2 && stream_->Peek() >= 0; ++i) stream_->Skip();
-  return close;
 }
 
 void XmlReader::SetText(CTreeNode* node, std::string_view text, bool convert) {
@@ -564,35 +354,9 @@ void XmlReader::SetText(CTreeNode* node, std::string_view text, bool convert) {
   }
 }
 
-// Reads the attributes and values that were passed over, for the nodes that are in the tree.
-void XmlReader::FillLacks() {
-  if (lacks_.empty()) return;
-  std::vector<CTreeNode*> open = {document_->root_};
-  while (!open.empty()) {
-    CTreeNode* node = open.back();
-    open.pop_back();
-    if (node->next_sibling_ != nullptr) open.push_back(node->next_sibling_);
-    if (node->first_child_ != nullptr) open.push_back(node->first_child_);
-    const auto found = lacks_.find(node);
-    if (found == lacks_.end()) continue;
-    const Lack& lack = found->second;
-    if (lack.attributes) {
-      stream_->Seek(lack.attributes_from);
-      ReadAttributes(node);
-    }
-    if (!lack.text) continue;
-    stream_->Seek(lack.text_from);
-    mark_text_.clear();
-    for (; stream_->GetPosition() < lack.text_end && stream_->Peek() >= 0; stream_->Skip()) {
-      mark_text_.push_back(static_cast<char>(stream_->Peek()));
-    }
-    SetText(node, mark_text_, lack.convert);
-  }
-}
-
 void CTreeDocument::ReadXml(TextStream* stream) {
   ForgetNodes();
-  XmlReader(this, stream).ReadFile();
+  xml_fault_ = XmlReader(this, stream).ReadFile();
 }
 
 }  // namespace pktaus

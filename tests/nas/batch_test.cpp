@@ -68,6 +68,7 @@ TEST_F(Batch, SaysWhatIsMissingAndLeavesTheOldFile) {
       {"<r>" + numbers + "<x>" + objects + "</x></r>", nothing},
       {"<r><auftragsnummer/>" + objects + "</r>", incomplete},
       {"<r><x>" + numbers + "</x>" + objects + "</r>", incomplete},
+      {"<r>\n" + numbers + "\n<geaenderteObjekte>", "Fehler: Vorlage '" + path + "' ist kein XML ab Zeile 3"},
   };
   folder_.Write("out.xml", "old");
   for (const auto& [bytes, message] : kTemplates) {

@@ -20,7 +20,7 @@ std::string Times(std::size_t n, const std::string& text) {
   return all;
 }
 
-TEST(Hostile, ReadsEachByteAFewTimes) {
+TEST(Hostile, EndsWithoutARootWhereReadingWouldCostTooMuch) {
   const struct {
     const char* what;
     std::function<std::string(std::size_t)> xml;
@@ -46,8 +46,41 @@ TEST(Hostile, ReadsEachByteAFewTimes) {
       pktaus::TextStream stream;
       stream.OpenText(xml);
       document.ReadXml(&stream);
-      EXPECT_LE(stream.ByteReads(), fuzz::kMostReads * xml.size()) << family.what;
+      EXPECT_LE(stream.ByteReads(), fuzz::MostReads(xml.size())) << family.what;
+      EXPECT_TRUE(n < family.most || document.GetRoot() == nullptr) << family.what;
     }
+  }
+}
+
+TEST(Hostile, TellsWhereAFileStopsBeingXml) {
+  using Kind = pktaus::XmlFault::Kind;
+  const std::string deep = Times(static_cast<std::size_t>(pktaus::kMaxDepth) + 1, "<a>");
+  const struct {
+    std::string xml;
+    Kind kind;
+    std::uint64_t offset, line;
+  } kCases[] = {
+      {"<a>\r\n</a>", Kind::kNone, 0, 0},
+      {"", Kind::kNoElement, 0, 1},
+      {"<?a?>\n<?b?>\n<r/>", Kind::kNoElement, 5, 1},
+      {"<r>\r\n<a></b>\r\n</r>", Kind::kNotClosed, 7, 2},
+      {"<r>\n<a>x\n<b/></a></r>", Kind::kNotClosed, 9, 3},
+      {"<r>\n\n<a>", Kind::kNotClosed, 8, 3},
+      {deep, Kind::kTooDeep, deep.size(), 1},
+      {"<r><" + std::string(2000, 'n') + "/></r>", Kind::kName, 2006, 1},
+      {"<r>\n" + Times(9000, "<a><a></a>\n"), Kind::kTooOften, 0, 0},
+  };
+  for (const auto& c : kCases) {
+    CTreeDocument document;
+    pktaus::TextStream stream;
+    stream.OpenText(c.xml);
+    document.ReadXml(&stream);
+    const pktaus::XmlFault& fault = document.GetXmlFault();
+    EXPECT_EQ(fault.kind, c.kind) << c.xml.substr(0, 40);
+    EXPECT_EQ(document.GetRoot() == nullptr, c.kind != Kind::kNone);
+    if (c.kind == Kind::kTooOften) continue;  // wherever the bound was passed
+    EXPECT_EQ(fault.offset, c.offset) << c.xml.substr(0, 40);
+    EXPECT_EQ(fault.line, c.line) << c.xml.substr(0, 40);
   }
 }
 
