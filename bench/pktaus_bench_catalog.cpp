@@ -24,11 +24,11 @@ int BenchCatalog(const char* file) {
 
 int BenchReserved(const char* folder) {
   Phases phases;
-  ReservedNumber* first = ReadReservedNumbers(folder, "2026-0042");
+  ReservedNumbers first = ReadReservedNumbers(folder, "2026-0042");
   phases.Mark("read");
   long numbers = 0;
-  for (const ReservedNumber* entry = first; entry != nullptr; entry = entry->next) ++numbers;
-  FreeReservedNumbers(first);
+  for (const ReservedNumber* entry = first.get(); entry != nullptr; entry = entry->next) ++numbers;
+  first.reset();
   phases.Mark("free");
   std::printf("%ld numbers\n", numbers);
   return numbers > 0 ? 0 : 1;

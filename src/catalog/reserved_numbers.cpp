@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/bounded.h"
@@ -41,7 +42,7 @@ std::optional<std::string> Value(std::string_view line) {
 }
 
 /// Links the numbers of one file at the head of the list.
-void ReadFile(LineScan* lines, const std::string& antragsnummer, ReservedNumber** first) {
+void ReadFile(LineScan* lines, const std::string& antragsnummer, ReservedNumbers* first) {
   LinePiece piece;
   while (lines->Next(&piece)) {
     const std::string_view line = piece.text;
@@ -54,17 +55,17 @@ void ReadFile(LineScan* lines, const std::string& antragsnummer, ReservedNumber*
       if (put(application, value->c_str()) != antragsnummer) return;
       continue;  // the line counts as ended at this value
     }
-    auto* entry = new ReservedNumber{};
+    ReservedNumbers entry(new ReservedNumber{});
     put(entry->number, value->c_str());
-    entry->next = *first;
-    *first = entry;
+    entry->next = first->release();
+    *first = std::move(entry);
   }
 }
 
 }  // namespace
 
-ReservedNumber* ReadReservedNumbers(const std::string& folder, const std::string& antragsnummer) {
-  ReservedNumber* first = nullptr;
+ReservedNumbers ReadReservedNumbers(const std::string& folder, const std::string& antragsnummer) {
+  ReservedNumbers first;
   if (folder.empty()) return first;
   std::vector<char> buffer;
   for (const std::string& name : platform::ListFiles(folder, "*.xml")) {

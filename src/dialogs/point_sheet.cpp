@@ -346,17 +346,16 @@ void CPointSheetDlg::AskForIdentifier() {
 /// Looks the identifier up among those that the cadastre office has reserved for the application.
 void CPointSheetDlg::CheckReservation() {
   object_.Read();
-  ReservedNumber* const reserved = ReadReservedNumbers(reserved_folder_, application_.value);
+  const ReservedNumbers reserved = ReadReservedNumbers(reserved_folder_, application_.value);
   bool found = false;
-  for (const ReservedNumber* one = reserved; one != nullptr && !found; one = one->next) {
+  for (const ReservedNumber* one = reserved.get(); one != nullptr && !found; one = one->next) {
     found = object_.pkn.value == one->number;
   }
   if (found) {
     message_box("Erfolg", "Die Punktnummer ist reserviert");
   } else {
-    ShowReserved("Nicht gefunden, Diese sind reserviert für "_ansi + application_.value, reserved);
+    ShowReserved("Nicht gefunden, Diese sind reserviert für "_ansi + application_.value, reserved.get());
   }
-  FreeReservedNumbers(reserved);
 }
 
 void CPointSheetDlg::ChooseOriginalXml() {
@@ -376,9 +375,8 @@ void CPointSheetDlg::ChooseReservedFolder() {
   if (!is_root && (folder.back() == path::kSeparator || folder.back() == '\\')) folder.pop_back();
   reserved_folder_ = folder;
   reserved_button_.SetLabel(PathCaption(reserved_folder_, kReservedCaption));
-  ReservedNumber* const reserved = ReadReservedNumbers(reserved_folder_, application_.value);
-  ShowReserved("Reservierte Punktnummern für "_ansi + application_.value, reserved);
-  FreeReservedNumbers(reserved);
+  const ReservedNumbers reserved = ReadReservedNumbers(reserved_folder_, application_.value);
+  ShowReserved("Reservierte Punktnummern für "_ansi + application_.value, reserved.get());
 }
 
 void CPointSheetDlg::Remove() {

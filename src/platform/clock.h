@@ -33,8 +33,7 @@ const Clock& SystemClock();
 
 /// A clock that stands still at a local time, in the time zone of that name ("Europe/Berlin") or rule
 /// ("CET-1CEST,M3.5.0,M10.5.0/3"), or in the machine's where `zone` is null or empty. Null where the text is no
-/// "YYYY-MM-DDThh:mm:ss" or the zone is unknown. The caller deletes it. Every question to it puts the zone in force for
-/// the process for a moment, so only one thread may ask.
+/// "YYYY-MM-DDThh:mm:ss" or the zone is unknown. The caller deletes it.
 Clock* NewStandingClock(const char* local_time, const char* zone);
 
 /// The clock in force: the machine's at the start.

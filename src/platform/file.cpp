@@ -2,15 +2,18 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 
 #include "base/path.h"
 #include "platform/system.h"
@@ -41,12 +44,37 @@ bool IsPath(const std::string& path) {
 
 // realpath of an existing path, and no more.
 bool ExistingRealPath(const std::string& path, std::string* real) {
-  char* found = realpath(path.c_str(), nullptr);
-  if (found == nullptr) return false;
-  *real = found;
-  free(found);
+  const std::unique_ptr<char, decltype(&free)> found(realpath(path.c_str(), nullptr), &free);
+  if (!found) return false;
+  *real = found.get();
   return true;
 }
+
+// A write beyond the process's limit on the size of files raises a signal that ends the process. For the length of a
+// write it is held back and dropped, so that the write fails with EFBIG; what the host does with the signal stays.
+class NoSizeSignal {
+ public:
+  NoSizeSignal() {
+    sigemptyset(&signal_);
+    sigaddset(&signal_, SIGXFSZ);
+    sigset_t pending;
+    was_pending_ = sigpending(&pending) == 0 && sigismember(&pending, SIGXFSZ) == 1;
+    pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+  }
+  ~NoSizeSignal() {
+    const KeepSystemError keep;
+    const timespec at_once{};
+    if (!was_pending_ && errno == EFBIG) sigtimedwait(&signal_, nullptr, &at_once);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+  NoSizeSignal(const NoSizeSignal&) = delete;
+  NoSizeSignal& operator=(const NoSizeSignal&) = delete;
+
+ private:
+  sigset_t signal_;
+  sigset_t before_;
+  bool was_pending_;
+};
 
 class SystemFiles : public FileSystem {
  public:
@@ -72,15 +100,22 @@ class SystemFiles : public FileSystem {
   // The descriptor is gone even where the close was interrupted; what had to be on disk was synced before.
   bool Close(int file) override { return close(file) == 0 || errno == EINTR; }
   std::int64_t Read(int file, void* data, std::size_t size) override { return read(file, data, size); }
-  std::int64_t Write(int file, const void* data, std::size_t size) override { return write(file, data, size); }
+  std::int64_t Write(int file, const void* data, std::size_t size) override {
+    const NoSizeSignal no_signal;
+    return write(file, data, size);
+  }
   std::int64_t ReadAt(int file, void* data, std::size_t size, std::uint64_t offset) override {
     return pread(file, data, size, static_cast<off_t>(offset));
   }
   std::int64_t WriteAt(int file, const void* data, std::size_t size, std::uint64_t offset) override {
+    const NoSizeSignal no_signal;
     return pwrite(file, data, size, static_cast<off_t>(offset));
   }
   bool Seek(int file, std::uint64_t offset) override { return lseek(file, static_cast<off_t>(offset), SEEK_SET) >= 0; }
-  bool Truncate(int file, std::uint64_t size) override { return ftruncate(file, static_cast<off_t>(size)) == 0; }
+  bool Truncate(int file, std::uint64_t size) override {
+    const NoSizeSignal no_signal;
+    return ftruncate(file, static_cast<off_t>(size)) == 0;
+  }
   // Some file systems know no sync and say so; there is nothing more to be done on them.
   bool Sync(int file) override { return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP; }
   bool Facts(int file, FileFacts* facts) override {
@@ -138,16 +173,18 @@ class SystemFiles : public FileSystem {
     return true;
   }
   bool List(const std::string& path, std::vector<std::string>* names) override {
-    DIR* folder = opendir(path.c_str());
-    if (folder == nullptr) return false;
+    const auto close = [](DIR* open_folder) { closedir(open_folder); };
+    std::unique_ptr<DIR, decltype(close)> folder(opendir(path.c_str()), close);
+    if (!folder) return false;
     names->clear();
     errno = 0;
-    while (const dirent* entry = readdir(folder)) {
+    while (const dirent* entry = readdir(folder.get())) {
       const std::string name = entry->d_name;
       if (name != "." && name != "..") names->push_back(name);
+      errno = 0;
     }
     const int error = errno;
-    closedir(folder);
+    folder.reset();
     errno = error;
     std::sort(names->begin(), names->end());
     return error == 0;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/path.h"
+#include "platform/clock.h"
 #include "platform/system.h"
 
 namespace platform {
@@ -17,6 +18,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kMostAttempts = 20;
+constexpr std::int64_t kLeftoverAge = 3600;  // seconds
 constexpr std::string_view kEnding = ".pktaus-neu";
 
 // Folder and name of a real path, which is absolute.
@@ -38,12 +40,13 @@ std::string SiblingStem(const std::string& name) {
   return stem;
 }
 
-// ".TARGET.PROCESS-NUMBER.pktaus-neu"
-bool IsSibling(const std::string& name, const std::string& stem) {
-  if (name.size() <= stem.size() + kEnding.size() || !name.starts_with(stem) || !name.ends_with(kEnding)) return false;
-  const std::string_view middle =
-      std::string_view(name).substr(stem.size(), name.size() - stem.size() - kEnding.size());
-  return middle.find_first_not_of("0123456789-") == std::string_view::npos;
+// ".TARGET.PROCESS-NUMBER.pktaus-neu", whatever the target.
+bool IsSibling(std::string_view name) {
+  if (!name.starts_with('.') || !name.ends_with(kEnding)) return false;
+  name.remove_suffix(kEnding.size());
+  const std::size_t dot = name.rfind('.');
+  const std::string_view number = name.substr(dot + 1);
+  return dot > 1 && !number.empty() && number.find_first_not_of("0123456789-") == std::string_view::npos;
 }
 
 // Whether a failure means that this place takes no file of ours, where another way may still work.
@@ -101,17 +104,22 @@ bool FileSaver::Work::OpenTarget(const std::string& disk) {
   return target.OpenOnDisk(real, OpenMode::kReadWrite) && target.Facts(&target_facts);
 }
 
-// Removes what killed runs left beside this target. A file whose lock is held belongs to a run that still lives.
+// Removes what killed runs left in this folder. A file whose lock is held belongs to a run that still lives; one of
+// another target may, where the drive knows no locks, so it has to be old as well.
 void FileSaver::Work::SweepLeftovers() const {
   const KeepSystemError keep;
   std::vector<std::string> names;
   if (!Files().List(FolderOf(real), &names)) return;
   const std::string stem = SiblingStem(NameOf(real));
+  const std::int64_t old_ns = (SystemClock().Now() - kLeftoverAge) * 1'000'000'000;
   for (const std::string& name : names) {
-    if (!IsSibling(name, stem)) continue;
+    if (!IsSibling(name)) continue;
     const std::string leftover = FolderOf(real) + name;
     File file;
-    if (file.OpenOnDisk(leftover, OpenMode::kReadWrite) && Files().TryLock(file.handle())) Files().Remove(leftover);
+    FileFacts facts;
+    if (!file.OpenOnDisk(leftover, OpenMode::kReadWrite) || !file.Facts(&facts) || !facts.kind_file) continue;
+    if (!name.starts_with(stem) && facts.modified_ns > old_ns) continue;
+    if (Files().TryLock(file.handle())) Files().Remove(leftover);
   }
 }
 

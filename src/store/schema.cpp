@@ -52,7 +52,7 @@ std::string Reason(const DbfFault& fault) {
     case DbfFault::kEncrypted:
       return "Die Datensätze sind verschlüsselt"_ansi;
     case DbfFault::kTooManyFields:
-      return "Sie hat mit den Spalten, die zu ergänzen sind, mehr als 255 Felder";
+      return "Sie hat mit den Spalten, die zu ergänzen sind, mehr als 255 Felder"_ansi;
     case DbfFault::kTooMuchAdded:
       return "Die Spalten, die zu ergänzen sind, haben mehr als 400 Zeichen"_ansi;
     case DbfFault::kFieldName:

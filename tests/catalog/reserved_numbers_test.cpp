@@ -15,8 +15,7 @@ std::string Number(const std::string& value) { return "<reservierteNummern>" + v
 
 /// The numbers in the list's order, with a blank behind each.
 std::string Read(const std::string& folder) {
-  const std::unique_ptr<ReservedNumber, void (*)(ReservedNumber*)> first(ReadReservedNumbers(folder, "A"),
-                                                                         &FreeReservedNumbers);
+  const ReservedNumbers first = ReadReservedNumbers(folder, "A");
   std::string numbers;
   for (const auto* n = first.get(); n != nullptr; n = n->next) numbers += n->number + std::string(" ");
   return numbers;

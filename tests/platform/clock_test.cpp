@@ -1,10 +1,15 @@
 #include "platform/clock.h"
 
 #include <gtest/gtest.h>
+#include <time.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <tuple>
+
+#include "platform/time_zone.h"
 
 namespace {
 
@@ -46,6 +51,33 @@ TEST(Clock, StandsWhereItIsToldAndLeavesTheZoneOfTheMachine) {
     EXPECT_EQ(platform::NewStandingClock(time, "UTC"), nullptr) << time;
   }
   EXPECT_EQ(platform::NewStandingClock("2016-03-02T09:05:03", "Europa/Berlin"), nullptr);
+}
+
+// Each kind of zone and rule beside the C library, which knows one zone a process.
+TEST(Clock, KeepsTheZonesOfTheWorldAsTheLibraryDoes) {
+  for (const char* zone :
+       {"Europe/Berlin", "Europe/London", "America/New_York", "Asia/Kolkata", "Australia/Lord_Howe",
+        "Africa/Casablanca", "Pacific/Apia", "UTC", "EST5EDT", "CET-1CEST,M3.5.0,M10.5.0/3",
+        "<+0330>-3:30<+0430>,J79/24,J263/24", "AAA3BBB2,100,J60/2", "XYZ+12:30:15", "IST-2IDT,M3.4.4/26,M10.5.0",
+        "NZST-12NZDT,M9.5.0,M4.1.0/3", "AAA3BBB,M3.2.0/-2:30,M11.1.0"}) {
+    setenv("TZ", zone, 1);
+    tzset();
+    const std::optional<platform::TimeZone> ours = platform::TimeZone::Named(zone);
+    ASSERT_TRUE(ours) << zone;
+    int differ = 0;
+    // Behind 1970: rules of earlier years are not the C library's.
+    for (time_t t = std::strchr(zone, ',') != nullptr ? 40'000'000 : -2'500'000'000; t < 6'000'000'000;
+         t += 1'234'567) {
+      tm parts{};
+      localtime_r(&t, &parts);
+      differ += ours->OffsetAt(t) != parts.tm_gmtoff;
+    }
+    EXPECT_EQ(differ, 0) << zone;
+  }
+  unsetenv("TZ");
+  tzset();
+  for (const char* wrong : {"CE-1", "CET-25", "CET-1CEST,M3.5.0", "CET-1CEST,M13.5.0,M10.5.0", "<CET-1", "../x", "X"})
+    EXPECT_FALSE(platform::TimeZone::Named(wrong)) << wrong;
 }
 
 }  // namespace

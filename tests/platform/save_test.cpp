@@ -1,16 +1,21 @@
 #include "platform/save.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "platform/system.h"
 #include "tests/support/faulty_files.h"
 #include "tests/support/temp_folder.h"
 
@@ -134,6 +139,8 @@ TEST(FileSaver, SweepsLeftoversOfDeadRunsAloneAndDropsWhatIsNotCommitted) {
                                          ".b.dbf.4711-0.pktaus-neu", "a.dbf.4711-0.pktaus-neu"};
   for (const std::string& name : stay) folder.Write(name, "x");
   folder.Write(dead, "x");
+  const std::string old = folder.Write(".alt.xml.4711-0.pktaus-neu", "x");  // of another target
+  fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(2));
   {
     FileSaver dropped, first;
     ASSERT_TRUE(dropped.Open(path) && dropped.Write(kNew) && first.Open(path));
@@ -141,8 +148,30 @@ TEST(FileSaver, SweepsLeftoversOfDeadRunsAloneAndDropsWhatIsNotCommitted) {
     EXPECT_TRUE(first.Write("erste") && first.Commit());
   }
   EXPECT_EQ(BytesOf(path), "erste");
-  EXPECT_FALSE(fs::exists(folder.File(dead)));
+  EXPECT_FALSE(fs::exists(folder.File(dead)) || fs::exists(old));
   for (const std::string& name : stay) EXPECT_TRUE(fs::exists(folder.File(name))) << name;
+}
+
+// The default of the signal for a file that grows too large is the end of the process.
+TEST(FileSaver, ForAFileThatMayNotGrowFailsTheSaveAndEndsNothing) {
+  const support::TempFolder folder;
+  const std::string path = folder.Write("a.txt", "old");
+  const pid_t child = fork();
+  if (child == 0) {
+    const rlimit limit{8192, 8192};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    signal(SIGXFSZ, SIG_DFL);
+    const bool stands = SaveAs(path, kNew);
+    const int error = platform::LastSystemError();
+    sigset_t pending;
+    sigpending(&pending);
+    _exit(!stands && error == EFBIG && sigismember(&pending, SIGXFSZ) == 0 ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  EXPECT_EQ(BytesOf(path), "old");
+  EXPECT_EQ(NamesIn(folder), "a.txt ");
 }
 
 }  // namespace

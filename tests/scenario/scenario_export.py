@@ -101,7 +101,7 @@ class Export(ProjectCase):
         for name, lines in {
                 "nothing ticked": export(expected="Fehler: keine passenden Daten gefunden"),
                 "template without a number": export(one, state="Hessen", expected="ist unvollständig"),
-                "template without a root": export(one, state="Leer", expected="ist unvollständig")}.items():
+                "template without a root": export(one, state="Leer", expected="ist kein XML ab Zeile 1")}.items():
             with self.subTest(name):
                 self.play(*lines, "abbruch", "0", "ende")
                 self.assertFalse(os.path.exists(os.path.join(self.folder, "out.XML")))
