@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "nas/identifiers.h"
 #include "platform/file.h"
+#include "platform/system.h"
 #include "tree/document.h"
 
 namespace pktaus {
@@ -15,8 +16,20 @@ CTreeNode* Child(CTreeNode* node, const char* name) {
   return node != nullptr ? node->FindChild(name, /*local_name=*/true) : nullptr;
 }
 
-std::string Refusal(const std::string& template_path, const std::string& what) {
-  return "Fehler: Vorlage '" + template_path + "' ist " + what;
+/// Why a template cannot be used. The last system error is that of the load.
+std::string Refusal(const std::string& template_path, const XmlFault& fault) {
+  const std::string reason = ": " + platform::SystemErrorText(platform::LastSystemError());
+  const std::string start = "Fehler: Vorlage '" + template_path + "' ";
+  switch (fault.kind) {
+    case XmlFault::Kind::kNone:
+      return start + "ist unvollständig"_ansi;
+    case XmlFault::Kind::kNotStaged:
+      return start + "konnte nicht in den Ordner '" + platform::TempFolder() + "' kopiert werden" + reason;
+    case XmlFault::Kind::kNotRead:
+      return start + "konnte nicht gelesen werden" + reason;
+    default:
+      return start + "ist kein XML ab Zeile " + std::to_string(fault.line);
+  }
 }
 
 }  // namespace
@@ -35,9 +48,7 @@ std::string Frame::Open(const std::string& template_path, const std::string& app
   CTreeNode* application = Child(root, "antragsnummer");
   CTreeNode* order = Child(root, "auftragsnummer");
   if (application == nullptr || order == nullptr) {
-    const XmlFault& fault = document_->GetXmlFault();
-    if (root != nullptr || fault.kind == XmlFault::Kind::kNone) return Refusal(template_path, "unvollständig"_ansi);
-    return Refusal(template_path, "kein XML ab Zeile " + std::to_string(fault.line));
+    return Refusal(template_path, document_->GetXmlFault());
   }
   application->SetValue(application_number);
   order->SetValue(order_number);

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -98,6 +99,8 @@ std::string TempFolder() {
   if (folder.back() != path::kSeparator) folder += path::kSeparator;
   return folder;
 }
+
+std::string OwnUser() { return std::to_string(geteuid()); }
 
 std::string OwnLibraryPath() { return OwnLibraryPathAtLoad(); }
 

@@ -8,6 +8,9 @@ namespace platform {
 /// Folder for temporary files, in the form inside (Windows-1252), with its closing separator.
 std::string TempFolder();
 
+/// The user that this process works for, as a part of a file's name.
+std::string OwnUser();
+
 /// Full path of the library or program that holds this code, in the form inside.
 std::string OwnLibraryPath();
 

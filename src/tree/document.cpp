@@ -37,11 +37,17 @@ bool CTreeDocument::LoadXml(std::string_view path, bool scan_all) {
   std::string opened(path);
   if (NeedsStaging(path, scan_all)) {
     const std::optional<std::string> copy = StageFile(path);
-    if (!copy) return false;
+    if (!copy) {
+      xml_fault_ = {XmlFault::Kind::kNotStaged};
+      return false;
+    }
     opened = *copy;
   }
   TextStream stream;
-  if (!stream.OpenRead(opened)) return false;
+  if (!stream.OpenRead(opened)) {
+    xml_fault_ = {XmlFault::Kind::kNotRead};
+    return false;
+  }
   ReadXml(&stream);
   path_ = opened;
   return true;

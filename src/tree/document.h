@@ -16,10 +16,11 @@ namespace pktaus {
 /// opens more, whether or not they prove to be elements in the end, loads with a null root.
 inline constexpr int kMaxDepth = 10000;
 
-/// Why reading an XML file gave no root.
+/// Why loading an XML file gave no root.
 struct XmlFault {
   enum class Kind {
     kNone,       ///< there is a root
+    kNotStaged,  ///< its copy could not be made; the last system error tells why, and there is no place
     kNotRead,    ///< a read of the system failed there
     kNoElement,  ///< no element begins where the root should
     kNotClosed,  ///< the closing tag of an element was expected there
@@ -29,7 +30,7 @@ struct XmlFault {
   };
   Kind kind = Kind::kNone;
   std::uint64_t offset = 0;  ///< bytes from the begin, CR LF counted as one
-  std::uint64_t line = 0;    ///< from 1; 0 with kNone
+  std::uint64_t line = 0;    ///< from 1; 0 where there is no place
 };
 
 /// Owner of a tree, of its names and of the storage of all its nodes. A new document has an XML header and no root.
@@ -60,7 +61,7 @@ class CTreeDocument {
   /// as do names that the name table refuses and more levels than kMaxDepth. Header and nodes of before are gone then,
   /// names stay. `scan_all` goes to NeedsStaging.
   bool LoadXml(std::string_view path, bool scan_all);
-  /// Why the last XML file that could be opened gave a null root.
+  /// Why the last XML file gave no root.
   const XmlFault& GetXmlFault() const { return xml_fault_; }
   /// Reads an ini file; true if it could be opened and read to its end, else the document is unchanged. With
   /// `free_keys` a key in single quotes is a free key as one in double quotes always is.

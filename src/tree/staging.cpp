@@ -1,5 +1,6 @@
 #include "tree/staging.h"
 
+#include <cerrno>
 #include <cstring>
 #include <vector>
 
@@ -71,14 +72,22 @@ bool NeedsStaging(std::string_view path, bool scan_all) {
 }
 
 std::optional<std::string> StageFile(std::string_view path) {
-  const std::string copy_path = platform::TempFolder() + std::string(path::FileName(path)) + ".2Dos";
+  constexpr int kMostAttempts = 20;
+  const std::string stem = platform::TempFolder() + std::string(path::FileName(path));
   File source;
   if (!source.Open(path, OpenMode::kRead)) return std::nullopt;
-  // Only a name that is free: what somebody lays there between the two steps makes the staging fail.
-  platform::DeleteIfThere(copy_path);
   File copy;
-  if (!copy.Open(copy_path, OpenMode::kCreateNew)) return std::nullopt;
+  std::string copy_path = stem + ".2Dos";
+  for (int i = 0;; ++i) {
+    // Only a name that is free: what somebody lays there between the two steps is not written to.
+    platform::DeleteIfThere(copy_path);
+    if (copy.Open(copy_path, OpenMode::kCreatePrivate)) break;
+    if (platform::LastSystemError() != EEXIST || i == kMostAttempts) return std::nullopt;
+    // The copy of another user lies there and stays.
+    copy_path = stem + "." + platform::OwnUser() + "-" + std::to_string(i) + ".2Dos";
+  }
   if (CopyWithCrLf(&source, &copy) && copy.Close()) return copy_path;
+  const platform::KeepSystemError keep;
   copy.Close();
   platform::DeleteIfThere(copy_path);
   return std::nullopt;

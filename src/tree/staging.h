@@ -12,8 +12,9 @@ namespace pktaus {
 bool NeedsStaging(std::string_view path, bool scan_all);
 
 /// Copies the file to "<name>.2Dos" in the folder for temporary files, with CR LF for each lone LF, and gives the
-/// copy's path; nothing where it could not be made whole. An older copy is replaced; a link that lies there is removed,
-/// never followed. The copy stays.
+/// copy's path; nothing, with the last system error set, where it could not be made whole. The copy is for the eyes of
+/// this user alone, and it stays. An older one of this user is replaced; where the name is another's the copy gets one
+/// with this user's number. A link that lies there is removed, never followed.
 std::optional<std::string> StageFile(std::string_view path);
 
 }  // namespace pktaus

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "fuzz/tree_inputs.h"
+#include "platform/system.h"
 #include "tests/support/faulty_files.h"
 #include "tests/support/temp_folder.h"
 #include "tree/staging.h"
@@ -113,6 +114,14 @@ TEST_F(Files, AreStagedThroughNoLinkThatLiesInTheWay) {
   EXPECT_EQ(pktaus::StageFile(path), copy);
   EXPECT_EQ(BytesOf(victim), "keep");
   EXPECT_FALSE(std::filesystem::is_symlink(copy));
+  // A name that cannot be freed, as that of another user's copy.
+  std::filesystem::remove(copy);
+  std::filesystem::create_directories(copy + "/x");
+  for (int time = 0; time < 2; ++time) {
+    const std::string other = pktaus::StageFile(path).value_or("");
+    EXPECT_EQ(BytesOf(other), "<a>\r\n</a>");
+    EXPECT_EQ(other, temp_.File("a.xml." + platform::OwnUser() + "-0.2Dos"));
+  }
 }
 
 TEST_F(Files, AndDocumentsAreOldOrNewAfterAnyFault) {
