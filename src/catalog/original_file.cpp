@@ -410,7 +410,6 @@ Tie ReadTie(LineScan* lines, std::uint64_t begin, bool inclusive, std::uint64_t 
 /// The owner's position objects but for `gml_id`, as `wepo` keeps them.
 std::string FurtherPositions(LineScan* lines, const std::vector<std::uint64_t>& ties, std::string_view owner,
                              std::string_view gml_id) {
-  if (ties.size() <= 1) return {};
   const std::string owner_text = OwnerText(owner);
   std::string text, before;
   std::size_t count = 0;

@@ -112,6 +112,7 @@ std::unique_ptr<CDbfTable> CDbfTable::Load(const char* path, DbfFault* why) {
   if (table->Read(path, &fault)) {
     fault = {DbfFault::kNone};
   } else {
+    fault.version = table->version_;
     table.reset();
   }
   if (why != nullptr) *why = fault;
@@ -138,6 +139,7 @@ bool CDbfTable::ReadHeader(DbfFault* why) {
   std::copy_n(header.begin() + 1, date_.size(), date_.begin());
 
   const std::size_t length = Number(header, kHeaderLengthAt, 2);
+  if (length > kHeaderSize && length % kDescriptorSize == 0) return Fail(why, {DbfFault::kNoTerminator, length});
   if (length <= kHeaderSize || (length - kHeaderSize - 1) % kDescriptorSize != 0) {
     return Fail(why, {DbfFault::kHeaderLength, kHeaderLengthAt});
   }

@@ -48,6 +48,7 @@ struct DbfFault {
   std::int64_t record = 0;   ///< record with the fault, from 1, deleted ones counted; 0 where it is none
   std::int32_t field = 0;    ///< field with the fault, from 1; 0 where it is none
   int system_error = 0;
+  std::uint8_t version = 0;  ///< first byte of the file, where it was read
 };
 
 /// A dBase table that is loaded whole, gets columns, and is saved whole. Knows no index, no memo and no update. Deleted

@@ -90,9 +90,33 @@ const char* Verdict(DbfFault::Kind kind) {
   }
 }
 
+// What wrote the file, where its first byte or the fault itself tells, and what to do. Other dialects share their first
+// byte with the dBase III and IV that would be taken.
+std::string Advice(const DbfFault& fault) {
+  const char* what = nullptr;
+  switch (fault.version) {
+    case 0x02:
+      what = "eine Tabelle von dBase II"_ansi;
+      break;
+    case 0x04:
+    case 0x8C:
+      what = "eine Tabelle von dBase 7"_ansi;
+      break;
+    case 0x30:
+    case 0x31:
+    case 0x32:
+      what = "eine Tabelle von Visual FoxPro"_ansi;
+      break;
+    default:
+      if (fault.kind != DbfFault::kNoTerminator && fault.kind != DbfFault::kHeaderLength) return {};
+  }
+  const std::string is = what == nullptr ? "" : std::string(" Es ist ") + what + ".";
+  return is + " Speichern Sie die Tabelle mit dem Programm, aus dem sie kommt, als dBase III oder IV."_ansi;
+}
+
 std::string FaultText(const char* path, const DbfFault& fault) {
   return std::string("Die Punkttabelle '") + path + "' " + Verdict(fault.kind) + ": " + Reason(fault) + " (" +
-         Place(fault) + "). Die Datei wurde nicht verändert."_ansi;
+         Place(fault) + "). Die Datei wurde nicht verändert."_ansi + Advice(fault);
 }
 
 [[noreturn]] void Raise(const char* path, const DbfFault& fault) {

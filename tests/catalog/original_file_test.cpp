@@ -16,6 +16,7 @@
 
 #include "base/bounded.h"
 #include "store/object_types.h"
+#include "tests/support/overflow_log.h"
 #include "tests/support/temp_folder.h"
 
 namespace pktaus {
@@ -262,6 +263,22 @@ TEST(OriginalFile, KeepsALineWholeThatEndsWhereAReadEnds) {
                              std::string(1997 - start.size(), ' ') + start + "\r\n" + PartOf("A") +
                              "\r\n</wfs:member>\r\n";
     EXPECT_NE(SearchOriginalFile(folder.Write("o.xml", file), "P", nullptr), nullptr) << before;
+  }
+}
+
+TEST(OriginalFile, ReportsAClassNameThatIsCut) {
+  const support::TempFolder folder;
+  for (const bool further : {false, true}) {
+    const support::OverflowLog log;
+    const auto position = [](const char* id, std::size_t size) {
+      return "<AX_Punktort" + std::string(size - 11, 'X') + " gml:id=\"" + id + "\">\n" + PartOf("A") +
+             "\n</wfs:member>\n";
+    };
+    const std::string file = "<AX_Grenzpunkt gml:id=\"A\">\n</wfs:member>\n" + position("P", 81) + position("Q", 80);
+    EXPECT_NE(
+        SearchOriginalFile(folder.Write("o.xml", further ? file : file.substr(0, file.rfind("<AX_P"))), "P", nullptr),
+        nullptr);
+    EXPECT_EQ(log.texts().size(), 1U) << further;
   }
 }
 
