@@ -10,7 +10,7 @@ namespace pktaus {
 int BenchDbf(const char* file) {
   Phases phases;
   try {
-    schema_extend(file);
+    static_cast<void>(schema_extend(file));
   } catch (const CException& failure) {
     std::printf("%s\n", failure.ErrorText().c_str());
     return 1;

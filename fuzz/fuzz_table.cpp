@@ -73,7 +73,7 @@ struct Table {
 
 bool Extend(const std::string& path) {
   try {
-    pktaus::schema_extend(path.c_str());
+    static_cast<void>(pktaus::schema_extend(path.c_str()));
     return true;
   } catch (const CException& failure) {
     Check(failure.ErrorText().find("punkte.dbf") != std::string::npos, "the failure names the file");

@@ -46,9 +46,9 @@ class CCatalogStore {
   /// Reads pktausout.ini beside the library and loads the catalogue of its state. Without that file or its section
   /// everything stays as made; a catalogue that is missing is not reported here.
   void LoadSettings();
-  /// Writes the settings into pktausout.ini; other sections and plain keys of the file stay. Reports nothing: where it
-  /// fails the file stays as it was.
-  void SaveSettings() const;
+  /// Writes the settings into pktausout.ini; other sections and plain keys of the file stay. False, with the last
+  /// system error set, where that failed; the file stays as it was then.
+  [[nodiscard]] bool SaveSettings() const;
 
   /// Puts the catalogue of a state in force (catalog/catalog.h), with its number and its template's name. False,
   /// without a message, where there is no such file: the lists are empty then. Object types beyond the rows of the
@@ -71,6 +71,9 @@ class CCatalogStore {
   std::deque<OrderPoint> order_points_;
   std::unordered_map<std::string_view, OrderEntry*> order_of_;  // the one nearest to the head
 };
+
+/// Where the settings stand.
+std::string SettingsPath();
 
 /// The store, made with the settings of the file at the first call. It lives until the library is unloaded.
 CCatalogStore* get_catalog_store();

@@ -29,7 +29,11 @@ constexpr NumberKey kNumbers[] = {
     {"GST", &PointRecord::gst}, {"VTW", &PointRecord::vtw}, {"LZV", &PointRecord::lzv},
 };
 
+}  // namespace
+
 std::string SettingsPath() { return path::Join(plugin_folder(), "pktausout.ini"); }
+
+namespace {
 
 CTreeNode* FindSection(const CTreeDocument& document) {
   const CTreeNode* root = document.GetRoot();
@@ -84,7 +88,7 @@ void CCatalogStore::LoadSettings() {
   }
 }
 
-void CCatalogStore::SaveSettings() const {
+bool CCatalogStore::SaveSettings() const {
   const auto document = std::make_unique<CTreeDocument>();
   document->LoadIni(SettingsPath(), false);
   if (document->GetRoot() == nullptr) document->SetRoot(document->NewNode("THEINI"));
@@ -102,7 +106,7 @@ void CCatalogStore::SaveSettings() const {
   set("ORIGXML", orig_xml);
   set("PUNKTXMLFOLDER", point_xml_folder);
   for (const NumberKey& number : kNumbers) set(number.name, std::to_string(defaults.*number.field));
-  document->SaveIni(SettingsPath());
+  return document->SaveIni(SettingsPath()) == 0;
 }
 
 }  // namespace pktaus

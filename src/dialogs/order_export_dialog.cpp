@@ -175,6 +175,10 @@ void COrderExportDlg::Write() {
 }
 
 void COrderExportDlg::Remove() {
+  if (!point_refusal().empty()) {
+    message_box(point_refusal(), "Fehler");
+    return;
+  }
   constexpr unsigned kFlags = toolkit::kBoxOkCancel | toolkit::kBoxWarning;
   if (message_box(kRemoveWarning, "Warnung!", kFlags) != toolkit::kAnswerOk) return;
   point_remove_all(TickedPoints());

@@ -17,6 +17,7 @@
 #include "dialogs/state_files.h"
 #include "entry/host/desktop.h"
 #include "platform/clock.h"
+#include "platform/system.h"
 #include "store/object_types.h"
 
 namespace pktaus {
@@ -413,17 +414,42 @@ void CPointSheetDlg::Accept() {
     message_box(fault, "Fehler");
     return;
   }
+  if (!one_point_) ReplaceQuotes();
   StoreFields();
   *target_ = record_;
-  if (!one_point_) {
-    CCatalogStore& store = *get_catalog_store();
-    store.defaults = record_;
-    store.orig_xml = original_xml_;
-    store.point_xml_folder = reserved_folder_;
-    store.organisation = organisation_.value;
-    store.SaveSettings();
-  }
+  if (!one_point_) SaveSettings();
   End(toolkit::kOk);
+}
+
+/// A double quote ends a value of the settings file: there it would come back as two, with every start.
+void CPointSheetDlg::ReplaceQuotes() {
+  std::string* const texts[] = {&application_.value, &order_.value, &organisation_.value, &original_xml_,
+                                &reserved_folder_};
+  std::string replaced;
+  for (std::string* text : texts) {
+    if (text->find('"') == std::string::npos) continue;
+    std::replace(text->begin(), text->end(), '"', '\'');
+    replaced.append("\n").append(*text);
+  }
+  if (replaced.empty()) return;
+  message_box(
+      "Die Einstellungen können kein doppeltes Anführungszeichen enthalten. Es wurde durch ein einfaches ersetzt:"_ansi +
+          replaced,
+      "Hinweis");
+}
+
+void CPointSheetDlg::SaveSettings() {
+  CCatalogStore& store = *get_catalog_store();
+  store.defaults = record_;
+  store.orig_xml = original_xml_;
+  store.point_xml_folder = reserved_folder_;
+  store.organisation = organisation_.value;
+  if (store.SaveSettings() || settings_failure_told) return;
+  settings_failure_told = true;
+  message_box("Die Einstellungen konnten nicht in die Datei '"_ansi + SettingsPath() + "' geschrieben werden: "_ansi +
+                  platform::SystemErrorText(platform::LastSystemError()) +
+                  " Sie gelten nur bis zum Ende des Programms."_ansi,
+              "Fehler");
 }
 
 void CPointSheetDlg::StoreFields() {

@@ -61,6 +61,8 @@ class CPointSheetDlg : public toolkit::Dialog {
   void ChooseReservedFolder();
   void Remove();
   void Accept();
+  void ReplaceQuotes();
+  void SaveSettings();
   /// Why what was read cannot be stored; empty where it can.
   std::string Fault() const;
   void StoreFields();
@@ -96,6 +98,9 @@ class CPointSheetDlg : public toolkit::Dialog {
   TlbV2Daten host_;
   const std::array<Attribute, 9> attributes_;
 };
+
+/// Whether the surveyor was told in this run of the plug-in that the settings cannot be written.
+inline bool settings_failure_told = false;
 
 /// Results of point_sheet beside toolkit::kCancel: nothing to do.
 inline constexpr int kSheetConfirmed = 1;  ///< the record holds the new values

@@ -86,9 +86,9 @@ void Run(HostState** host_state) {
   static constexpr HostState kNoTables{};
   const HostState& host = host_state == nullptr || *host_state == nullptr ? kNoTables : **host_state;
   platform::SetClock(&korvo_desktop->Clock());
-  schema_extend(tables_close(host).c_str());
+  const int error = schema_extend(tables_close(host).c_str());
   tables_reopen(host);
-  menu_loop();
+  menu_loop(error);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/text.h"
 #include "catalog/catalog_store.h"
 #include "dialogs/adopt_data_dialog.h"
 #include "dialogs/export_dialog.h"
@@ -17,6 +18,8 @@
 #include "store/point_table.h"
 
 namespace pktaus {
+
+using namespace text::literals;
 
 namespace {
 
@@ -36,6 +39,10 @@ void OpenPoint(const char* point_number, double east, double north) {
   // Without a number the sheet would edit the defaults.
   if (*point_number == '\0') {
     message_box("Der Punkt hat keine Punktnummer und kann keine Angaben bekommen.", "Hinweis");
+    return;
+  }
+  if (!point_refusal().empty()) {
+    message_box(point_refusal(), "Fehler");
     return;
   }
   PointRecord record{};
@@ -100,11 +107,27 @@ void Run(int command) {
   }
 }
 
+/// Says before any command what the table lacks where it could not be extended: what is stored there would be lost.
+void RefuseWithoutColumns(int extend_error) {
+  point_refuse({});
+  const std::string missing = extend_error != 0 ? columns_missing() : "";
+  if (missing.empty()) return;
+  point_refuse("Der Punkttabelle fehlen Spalten, es kann nichts gespeichert werden: "_ansi +
+               platform::SystemErrorText(extend_error));
+  message_box(
+      "Der Punkttabelle fehlen die Spalten "_ansi + missing + ". Sie konnten nicht ergänzt werden: "_ansi +
+          platform::SystemErrorText(extend_error) +
+          " Es kann nichts gespeichert werden, bis das Modul die Tabelle schreiben kann und neu gestartet ist."_ansi,
+      "Fehler");
+}
+
 }  // namespace
 
-void menu_loop() {
+void menu_loop(int extend_error) {
   char text[kMenuTextSize] = {};
   columns_bind();
+  settings_failure_told = false;
+  RefuseWithoutColumns(extend_error);
   _load_men("PKTAUMEN", &menu, kMenuNumber);
   for (;;) {
     // An error that an earlier command lived through must not be told as the reason of a later failure.

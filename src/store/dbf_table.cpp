@@ -236,10 +236,10 @@ const DbfField* CDbfTable::AddField(std::string_view name, char type, std::int32
   return &place;
 }
 
-void CDbfTable::Save(const char* path) {
+int CDbfTable::Save(const char* path) {
   const platform::KeepSystemError keep;
   platform::FileSaver saver;
-  if (!saver.Open(path)) return;
+  if (!saver.Open(path)) return platform::LastSystemError();
 
   std::string header(static_cast<std::size_t>(header_size_), '\0');
   header[0] = static_cast<char>(version_);
@@ -257,9 +257,9 @@ void CDbfTable::Save(const char* path) {
   }
   *descriptor = kEndOfHeader;
   saver.Write(header);
-  if (!WriteRecords(&saver)) return;
+  if (!WriteRecords(&saver)) return EBUSY;
   saver.Write(&kEndOfFile, 1);
-  saver.Commit();
+  return saver.Commit() ? 0 : platform::LastSystemError();
 }
 
 // False where the file no longer holds the records that were counted.

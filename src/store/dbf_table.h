@@ -70,9 +70,9 @@ class CDbfTable {
   /// be null. `why`, where given, tells the fault, or kNone.
   static std::unique_ptr<CDbfTable> Load(const char* path, DbfFault* why = nullptr);
 
-  /// Puts the table in the place of the file. A file that cannot be written stays as it was, without a word; so does it
-  /// where the records are no longer those that were loaded.
-  void Save(const char* path);
+  /// Puts the table in the place of the file: 0, or the system error for which the file stayed as it was. So it does
+  /// where the records are no longer those that were loaded. The last system error is as before.
+  [[nodiscard]] int Save(const char* path);
 
   /// The first field with this full name, case-sensitive; null where there is none. Valid as long as the table.
   const DbfField* FindField(std::string_view name) const;

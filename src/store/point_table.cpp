@@ -86,6 +86,8 @@ constexpr std::size_t kWriteOrder[] = {
 
 void* references[std::size(kColumns)] = {};
 
+std::string refusal;
+
 HostTable* PointTable() { return V2_VAR != nullptr ? V2_VAR->points : nullptr; }
 
 /// False where the host has no point table.
@@ -282,6 +284,19 @@ void columns_bind() {
   for (std::size_t i = 0; i < std::size(kColumns); ++i) references[i] = there ? f4ref(kColumns[i].name) : nullptr;
 }
 
+std::string columns_missing() {
+  std::string names;
+  for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+    const std::string_view name = kColumns[i].name;
+    if (references[i] == nullptr && name.starts_with("NE_")) names.append(names.empty() ? "" : ", ").append(name);
+  }
+  return names;
+}
+
+const std::string& point_refusal() { return refusal; }
+
+void point_refuse(std::string why) { refusal = std::move(why); }
+
 std::int32_t point_count() {
   HostTable* table = PointTable();
   if (table == nullptr) return 0;
@@ -325,6 +340,7 @@ void point_read_all(const std::vector<std::string>& point_numbers,
 void point_write(const char* point_number, PointRecord* record) {
   CutOrderNumber(record->auftrag);
   CutOrderNumber(record->antragn);
+  if (!refusal.empty()) return;
   HostPoint point{};
   const std::int32_t found = GoToPoint(point_number, &point);
   if (found == 0) return;
@@ -335,12 +351,14 @@ void point_write(const char* point_number, PointRecord* record) {
 }
 
 void point_remove(const char* point_number) {
+  if (!refusal.empty()) return;
   HostPoint point{};
   const std::int32_t found = GoToPoint(point_number, &point);
   if (found != 0) RemoveCurrent(found);
 }
 
 void point_remove_all(const std::vector<std::string>& point_numbers) {
+  if (!refusal.empty()) return;
   WantedPoints wanted(point_numbers);
   WalkPoints(&wanted, [](std::int32_t number, const HostPoint&, std::uint32_t) { RemoveCurrent(number); });
 }

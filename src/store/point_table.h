@@ -18,6 +18,14 @@ namespace pktaus {
 /// Looks up the columns. References stay valid until the next call; a column that the table lacks reads as blank.
 void columns_bind();
 
+/// Names of the attribute columns that the table lacks, with commas between them; empty for none.
+std::string columns_missing();
+
+/// Why nothing may be stored in the table, for the surveyor; empty (the start) where everything may. While there is a
+/// reason, every operation that would store leaves the table alone.
+const std::string& point_refusal();
+void point_refuse(std::string why);
+
 /// Number of records, deleted ones included.
 std::int32_t point_count();
 

@@ -127,7 +127,7 @@ std::string FaultText(const char* path, const DbfFault& fault) {
 
 }  // namespace
 
-void schema_extend(const char* path) {
+int schema_extend(const char* path) {
   DbfFault fault;
   const std::unique_ptr<CDbfTable> table = CDbfTable::Load(path, &fault);
   if (!table) Raise(path, fault);
@@ -140,7 +140,7 @@ void schema_extend(const char* path) {
   for (const Column& column : kAttributeColumns) {
     if (table->FindField(column.name) == nullptr) add(column);
   }
-  table->Save(path);
+  return table->Save(path);
 }
 
 }  // namespace pktaus

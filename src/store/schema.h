@@ -14,8 +14,8 @@ struct TableNotOpened {
 ///
 /// Raises TableNotOpened, with the last system error set, where the file cannot be opened for reading or `path` is null
 /// or empty; and a CException by value, whose German text names file, reason and place, where the table is none that
-/// would come out whole. The file is untouched then. A file that can be read but not written stays as it was, without
-/// a word.
-void schema_extend(const char* path);
+/// would come out whole. The file is untouched then. A file that can be read but not written stays as it was, and the
+/// answer is the system error, else 0.
+[[nodiscard]] int schema_extend(const char* path);
 
 }  // namespace pktaus

@@ -72,7 +72,7 @@ class CatalogStore : public testing::Test {
   /// What the settings hold behind a save over `before`.
   std::string SavedOver(const std::string& before) const {
     const std::string path = folder_.Write("pktausout.ini", before);
-    store_.SaveSettings();
+    EXPECT_TRUE(store_.SaveSettings());
     return support::BytesOf(path);
   }
 

@@ -7,7 +7,7 @@ import time
 import unittest
 
 import dbase
-from console import MENU, TIMEOUT, ProjectCase
+from console import MENU, TIMEOUT, ProjectCase, SettingsCase
 
 
 REFUSED = {
@@ -45,6 +45,38 @@ class Refused(ProjectCase):
         _, said = self.play("start", "0", "ende", code=1, project=deep)
         self.assertIn("zu lang", said)
         self.assertEqual(os.listdir(deep), ["punkte.dbf"])
+
+
+class NoRoom(SettingsCase):
+    """Files may not grow: what is saved fails, and the signal of that limit ends nobody."""
+
+    def command(self, project=None):
+        return ["prlimit", "--fsize=100"] + super().command(project)
+
+    def test_table_without_its_columns_takes_nothing_and_says_why(self):
+        before = self.read()
+        shown, _ = self.play("erwarte fehlen die Spalten NE_OA, NE_ANTRAGN", "start", "ok", "6",
+                             "erwarte es kann nichts gespeichert werden: Die Datei ist zu groß.", "1001", "ok", "abbruch",
+                             "0", "ende")
+        self.assertNotIn("=== 7020", shown)
+        self.assertEqual(self.read(), before)
+
+    def test_settings_that_cannot_be_written_are_told_once_a_run(self):
+        before = self.read(self.ini)
+        once = ("erwarte fehlen die Spalten", "start", "ok", "2", "erwarte Einstellungen konnten nicht", "ok", "ok",
+                "2", "ok", "0")
+        shown, _ = self.play(*once, *once, "ende")
+        self.assertEqual(shown.count("die Datei '%s' geschrieben werden: Die Datei ist zu groß." % self.ini), 2)
+        self.assertEqual(self.read(self.ini), before)
+
+
+class Quotes(SettingsCase):
+    def test_double_quote_in_a_setting_is_told_and_becomes_a_single_one(self):
+        self.play("start", "2", '7011 = Büro "Nord"', "erwarte Büro 'Nord'", "ok", "ok", "0", "ende")
+        before = self.read(self.ini)
+        self.assertIn("Büro 'Nord'".encode("cp1252"), before)
+        self.play("start", "2", "ok", "0", "ende")
+        self.assertEqual(self.read(self.ini), before)
 
 
 # Lines, and a part of what is said on stderr.
