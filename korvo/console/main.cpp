@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "base/text.h"
@@ -33,7 +34,8 @@ constexpr const char* kUsage =
     "einen in jeder Zeile; leere Zeilen und Zeilen mit # am Anfang zählen nicht. Vor einer\n"
     "Meldung muss darin stehen: erwarte TEXT. Passt ein Befehl nicht zu dem, was gerade\n"
     "offen ist, erscheint eine andere Meldung oder endet das Skript zu früh, so endet das\n"
-    "Programm mit einer Nachricht und dem Wert 2. Der Wert 1 heißt: nicht gestartet.\n";
+    "Programm mit einer Nachricht und dem Wert 2. Der Wert 1 heißt: nicht gestartet,\n"
+    "3: Der Arbeitsspeicher reicht nicht aus.\n";
 
 struct Options {
   bool help = false;
@@ -64,9 +66,7 @@ std::string Parse(int count, char** arguments, Options* options) {
   return {};
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
+int Work(int count, char** arguments) {
   if (!korvo::HoldStandardStreams()) return kExitNotStarted;
   Options options;
   const std::string wrong = Parse(count, arguments, &options);
@@ -98,4 +98,16 @@ int main(int count, char** arguments) {
   korvo::CloseProject();
   korvo::SetFrontEnd(nullptr);
   return std::fflush(stdout) == 0 ? 0 : Fail("Die Ausgabe ließ sich nicht schreiben.");
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  try {
+    return Work(count, arguments);
+  } catch (const std::bad_alloc&) {
+    // Words that need no memory.
+    std::fputs("korvo-console: Der Arbeitsspeicher reicht nicht aus.\n", stderr);
+    return korvo::kExitNoMemory;
+  }
 }

@@ -11,7 +11,8 @@ namespace korvo {
 
 /// Exit codes of the program.
 inline constexpr int kExitNotStarted = 1;  ///< options or project
-inline constexpr int kExitScript = 2;      ///< the script did not fit what happened
+inline constexpr int kExitNoMemory = 3;
+inline constexpr int kExitScript = 2;  ///< the script did not fit what happened
 
 /// Texts are Windows-1252 on this side and UTF-8 on the other. A line that is blank or begins with '#' is no command,
 /// and "erwarte TEXT" is taken here wherever it stands.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <optional>
 
+#include "base/path.h"
 #include "base/text.h"
 #include "platform/system.h"
 
@@ -89,6 +91,7 @@ bool Table::Open(std::string_view path, bool writable, std::string* why) {
     *why = platform::SystemErrorText(platform::LastSystemError());
     return false;
   }
+  path_ = path;
   static std::uint32_t openings = 0;
   if (++openings == 0) ++openings;
   opening_ = openings;
@@ -101,7 +104,7 @@ void Table::Close() {
   Sync();
   file_.Close();
   writable_ = false;
-  unsynced_ = false;
+  unsynced_ = stale_ = false;
   columns_.clear();
   count_ = 0;
   record_size_ = 0;
@@ -111,8 +114,7 @@ void Table::Close() {
 
 bool Table::ReadHeader(std::string* why) {
   std::array<char, 32> head;
-  platform::FileFacts facts;
-  if (!file_.Facts(&facts) || file_.ReadAt(head.data(), head.size(), 0) != static_cast<std::int64_t>(head.size())) {
+  if (!file_.Facts(&facts_) || file_.ReadAt(head.data(), head.size(), 0) != static_cast<std::int64_t>(head.size())) {
     *why = "Der Dateikopf ist unvollständig."_ansi;
     return false;
   }
@@ -128,7 +130,7 @@ bool Table::ReadHeader(std::string* why) {
   // Some dialects keep room between the end of the descriptors and the first record.
   first_record_ = std::max<std::uint64_t>(LittleEndian(&head[8], 2), end);
   promised_ = LittleEndian(&head[4], 4);
-  if (!CountRecords(facts.size)) {
+  if (!CountRecords(facts_.size)) {
     *why = "Die Datei kann nicht gelesen werden."_ansi;
     return false;
   }
@@ -231,7 +233,7 @@ bool Table::LoadCurrent() {
   std::string_view record;
   Read(current_, &record);
   if (record.empty() || !IsFlag(record.front())) return false;
-  current_bytes_ = record;
+  current_bytes_ = read_bytes_ = record;
   return true;
 }
 
@@ -282,17 +284,55 @@ bool Table::Write(std::int32_t number, std::string* why) {
     *why = "Die Tabelle hat keinen solchen Satz."_ansi;
     return false;
   }
+  if (!IsUnchanged(number, why)) {
+    block_records_ = 0;
+    Go(current_);
+    return false;
+  }
   unsynced_ = true;
   if (!file_.WriteAt(current_bytes_.data(), current_bytes_.size(), PlaceOf(number))) {
     *why = platform::SystemErrorText(platform::LastSystemError());
     block_records_ = 0;
+    file_.Facts(&facts_);
     return false;
   }
+  file_.Facts(&facts_);
+  if (number == current_) read_bytes_ = current_bytes_;
   if (number >= block_first_ && number - block_first_ < block_records_) {
     std::memcpy(&block_[static_cast<std::size_t>(number - block_first_) * record_size_], current_bytes_.data(),
                 record_size_);
   }
   return true;
+}
+
+bool Table::IsUnchanged(std::int32_t number, std::string* why) {
+  constexpr const char* kReopen = " Erst wenn sie neu geöffnet ist, kann wieder gespeichert werden."_ansi;
+  const platform::FileFacts before = facts_;
+  platform::FileFacts now;
+  const bool there = platform::Files().PathFacts(path::ToDisk(path_), &now);
+  if (!there)
+    *why = "Die Tabelle ist nicht mehr an ihrem Platz: "_ansi + platform::SystemErrorText(platform::LastSystemError()) +
+           kReopen;
+  if (there && (now.device != before.device || now.serial != before.serial || now.size != before.size)) {
+    *why = std::string("Ein anderes Programm hat die Tabelle ersetzt oder ihre Sätze vermehrt oder vermindert."_ansi) +
+           kReopen;
+  } else if (there && !stale_) {
+    std::string bytes(record_size_, '\0');
+    const bool read =
+        file_.ReadAt(bytes.data(), bytes.size(), PlaceOf(number)) == static_cast<std::int64_t>(bytes.size());
+    if (read && now.modified_ns == before.modified_ns && (number != current_ || bytes == read_bytes_)) return true;
+    facts_ = now;
+    *why =
+        "Ein anderes Programm hat die Tabelle verändert. Sie wird neu gelesen; bitte prüfen und wiederholen Sie die Eingabe."_ansi;
+    return false;
+  }
+  stale_ = true;
+  return false;
+}
+
+Table::Locked Table::Lock() {
+  if (platform::Files().TryLock(file_.handle())) return Locked::kYes;
+  return platform::LastSystemError() == EWOULDBLOCK ? Locked::kByAnother : Locked::kNoLocks;
 }
 
 bool Table::Sync() {

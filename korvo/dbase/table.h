@@ -73,7 +73,18 @@ class Table {
   /// A value that the column cannot hold leaves it as it is and keeps the record from being written.
   void SetNumber(int column, double value);
   /// Writes the current record to `number` in one piece, seen by every read from then on. False with the reason.
+  ///
+  /// What another program did to the file is never written over: where the file at the path is another one, has another
+  /// size or time than after our last call, or holds other bytes of the record than were read, nothing is written. Of
+  /// the same file with as many bytes everything is read anew from then on; any other takes no writes until it is
+  /// opened again.
   bool Write(std::int32_t number, std::string* why);
+  /// Whether the file must be opened again before it takes writes.
+  bool stale() const { return stale_; }
+
+  enum class Locked { kYes, kByAnother, kNoLocks };
+  /// Takes the lock of the open file, whatever its name; it ends with the close.
+  Locked Lock();
   /// Brings what was written to the disk; false where that failed.
   bool Sync();
 
@@ -84,11 +95,15 @@ class Table {
   bool Fetch(std::int32_t number);
   bool LoadCurrent();
   std::uint64_t PlaceOf(std::int32_t number) const;
+  bool IsUnchanged(std::int32_t number, std::string* why);
   bool HasColumn(int column) const { return column >= 0 && column < static_cast<int>(columns_.size()); }
 
   platform::File file_;
   bool writable_ = false;
   bool unsynced_ = false;
+  bool stale_ = false;
+  std::string path_;
+  platform::FileFacts facts_;  ///< after our last call
   std::uint32_t opening_ = 0;
   std::vector<Column> columns_;
   std::uint64_t first_record_ = 0;  ///< offset in the file
@@ -102,6 +117,7 @@ class Table {
 
   std::int32_t current_ = 0;
   std::string current_bytes_;  ///< empty: not fetched yet
+  std::string read_bytes_;     ///< of the current record as it was fetched
   std::string unfit_;          ///< why the current record may not be written
 };
 

@@ -42,6 +42,31 @@ const Frame* FrameOf(QStringView name) {
   return found == std::end(kFrames) ? nullptr : found;
 }
 
+/// The start of the first tag with more attributes than are read; the size of the text where there is none.
+std::size_t FirstOverlongTag(std::string_view text) {
+  const auto behind = [&text](std::string_view mark, std::size_t from) {
+    const std::size_t at = text.find(mark, from);
+    return at == std::string_view::npos ? text.size() : at + mark.size();
+  };
+  for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
+    const std::size_t start = at;
+    const std::string_view tag = text.substr(at);
+    if (tag.starts_with("<!--")) {
+      at = behind("-->", at);
+    } else if (tag.starts_with("<![CDATA[")) {
+      at = behind("]]>", at);
+    } else {
+      int values = 0;
+      for (at = text.find_first_of("<>\"'", at + 1); at < text.size(); at = text.find_first_of("<>\"'", at)) {
+        if (text[at] == '<' || text[at] == '>') break;
+        at = behind(text.substr(at, 1), at + 1);
+        if (++values > NasFile::kMostAttributes) return start;
+      }
+    }
+  }
+  return text.size();
+}
+
 }  // namespace
 
 QString NameOf(NasKind kind) {
@@ -63,7 +88,12 @@ QString NameOf(NasKind kind) {
 /// Reads piece by piece, and keeps count of the bytes behind the characters that the toolkit's reader counts.
 class NasFile::Parser {
  public:
-  explicit Parser(NasFile& file) : file_(file) { reader_.setNamespaceProcessing(false); }
+  explicit Parser(NasFile& file)
+      : file_(file),
+        end_(static_cast<qsizetype>(
+            FirstOverlongTag({file.bytes_.constData(), static_cast<std::size_t>(file.bytes_.size())}))) {
+    reader_.setNamespaceProcessing(false);
+  }
 
   /// False where the bytes are no UTF-8 after all.
   bool Run() {
@@ -74,8 +104,14 @@ class NasFile::Parser {
         See();
         MoveTo(reader_.characterOffset());
         if (reader_.tokenType() == QXmlStreamReader::EndElement && !Leave()) return true;
-      } else if (reader_.error() == QXmlStreamReader::PrematureEndOfDocumentError && read_ < file_.bytes_.size()) {
+      } else if (reader_.error() == QXmlStreamReader::PrematureEndOfDocumentError && read_ < end_) {
         if (!Feed()) return false;
+      } else if (reader_.error() == QXmlStreamReader::PrematureEndOfDocumentError && end_ < file_.bytes_.size()) {
+        file_.trouble_ =
+            QStringLiteral("Ab Zeile %1 wird die Datei nicht mehr gezeigt: Ein Element hat mehr als %2 Attribute.")
+                .arg(reader_.lineNumber())
+                .arg(kMostAttributes);
+        return true;
       } else {
         file_.trouble_ = QStringLiteral("Ab Zeile %1 ist die Datei kein XML mehr: %2")
                              .arg(reader_.lineNumber())
@@ -87,7 +123,7 @@ class NasFile::Parser {
 
  private:
   bool Feed() {
-    const qsizetype size = std::min(kChunk, file_.bytes_.size() - read_);
+    const qsizetype size = std::min(kChunk, end_ - read_);
     const QByteArrayView piece(file_.bytes_.constData() + read_, size);
     read_ += size;
     if (!file_.utf8_) {
@@ -194,6 +230,7 @@ class NasFile::Parser {
   }
 
   NasFile& file_;
+  const qsizetype end_;  ///< what is read of it
   QXmlStreamReader reader_;
   QStringDecoder decoder_{QStringDecoder::Utf8};
   qsizetype read_ = 0;

@@ -29,10 +29,13 @@ struct NasMember {
 class NasFile {
  public:
   /// False with the reason where the file cannot be opened. Of a file that is no XML from some place on, or that holds
-  /// more members than kMostMembers, those in front of it are there, and `trouble` says so.
+  /// more members than kMostMembers or an element with more attributes than kMostAttributes, those in front of it are
+  /// there, and `trouble` says so.
   bool Read(const QString& path, QString* why);
 
   static constexpr std::size_t kMostMembers = 2'000'000;
+  /// Of one element. The toolkit's reader compares each attribute with all in front of it.
+  static constexpr int kMostAttributes = 1000;
 
   const QString& path() const { return path_; }
   const QString& trouble() const { return trouble_; }

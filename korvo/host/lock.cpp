@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 
 #include "base/text.h"
@@ -52,7 +53,12 @@ bool ProjectLock::Take(const std::string& table_on_disk, std::string* why) {
     *why = std::string("Das Projekt kann nicht gesperrt werden: "_ansi) + platform::SystemErrorText(error);
     return false;
   }
+  why->clear();
   if (!platform::Files().TryLock(file_.handle())) {
+    if (platform::LastSystemError() != EWOULDBLOCK) {
+      *why = kNoLocks;
+      return true;
+    }
     const std::string holder = FirstLine(file_);
     *why = std::string("Das Projekt ist schon geöffnet: "_ansi) +
            (holder.empty() ? "von wem, steht nicht in der Sperrdatei"_ansi : text::FromUtf8Lossy(holder)) + ".";

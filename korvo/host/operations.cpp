@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/path.h"
 #include "base/text.h"
@@ -80,6 +81,7 @@ void _load_men(const char* name, void** menu, int /*number*/) {
 int get_menu_no(void* menu, int /*one*/, char* text) {
   Host& host = TheHost();
   SyncTables(host);
+  host.told_stale = false;
   if (menu == nullptr || host.front_end == nullptr) return 0;
   const auto& shown = *static_cast<const korvo::Menu*>(menu);
   const int number = host.front_end->ChooseFromMenu(shown);
@@ -173,6 +175,7 @@ void vm_koor_clear(HostPoint* point) {
 int v2_point_ask(HostTable* table, HostPoint* point, std::int32_t* kept, int /*zero*/) {
   Host& host = TheHost();
   SyncTables(host);
+  host.told_stale = false;
   if (table != &host.points.handle || point == nullptr || host.front_end == nullptr) return 1;
   if (!host.front_end->PickPoint(point)) return 1;
   if (kept != nullptr) ++*kept;
@@ -254,7 +257,10 @@ void db_write(std::int32_t number) {
     if (host.current == &host.points.table && host.front_end != nullptr) host.front_end->PointChanged(number);
     return;
   }
+  // The same reason for each of many points is told once a command.
+  if ((host.current->stale() || !host.current->writable()) && std::exchange(host.told_stale, true)) return;
   korvo::Tell(std::string("Satz "_ansi) + std::to_string(number) + " wurde nicht gespeichert. "_ansi + why);
+  if (host.current == &host.points.table && host.front_end != nullptr) host.front_end->PointChanged(0);
 }
 
 }  // extern "C"

@@ -52,6 +52,11 @@ bool RunPlugin(const std::string& library_on_disk, std::string* why) {
   reinterpret_cast<std::int32_t (*)(HostState**)>(entry)(&V2_VAR);
   host.plugin_runs = false;
   SyncTables(host);
+  if (host.points.table.stale()) {
+    std::string reason;
+    if (!OpenPoints(host, &reason)) Tell(std::string("Die Punkttabelle ist nicht lesbar: "_ansi) + reason);
+    if (host.front_end != nullptr) host.front_end->PointChanged(0);
+  }
   return true;
 }
 

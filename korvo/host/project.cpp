@@ -143,10 +143,12 @@ void AddLine(std::string* lines, const std::string& line) {
 /// Opens the point table from the disk and adds what the person should know of it. False where it cannot be read.
 bool OpenWithNote(Host& host, std::string* note) {
   std::string why;
+  const bool was_working = host.only_looking.empty();
   if (!OpenPoints(host, &why)) {
     AddLine(note, std::string("Die Punkttabelle ist nicht lesbar: "_ansi) + why);
     return false;
   }
+  if (was_working) AddLine(note, host.only_looking);
   if (host.only_looking.empty() && !host.points.table.writable()) {
     AddLine(note, "Die Punkttabelle ist schreibgeschützt."_ansi);
   }
@@ -194,7 +196,7 @@ OpenedProject OpenProject(const std::string& named_on_disk) {
   }
   readable.Close();
 
-  if (!host.lock.Take(path::ToDisk(table), &host.only_looking)) opened.note = host.only_looking;
+  if (!host.lock.Take(path::ToDisk(table), &opened.note)) host.only_looking = opened.note;
   host.folder = folder;
   host.name = path::FileName(folder);
   SetPath(host.points, table);

@@ -37,6 +37,11 @@ bool OpenPoints(Host& host, std::string* why) {
   const bool working = host.only_looking.empty();
   Table& table = host.points.table;
   if (!table.Open(host.points.handle.path, working, why)) return false;
+  if (working && table.Lock() == Table::Locked::kByAnother) {
+    // Through another name of the file, or its lock file is gone.
+    host.only_looking = "Das Projekt ist schon geöffnet: Ein anderes Programm hält die Punkttabelle."_ansi;
+    return OpenPoints(host, why);
+  }
   host.points.handle.data = &table;
   host.points.handle.index = &host.points;
   host.pt_no = table.Find("PT_NO");

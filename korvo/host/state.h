@@ -23,6 +23,7 @@ struct Host {
   Table* current = nullptr;  ///< of d4select
   FrontEnd* front_end = nullptr;
   bool plugin_runs = false;
+  bool told_stale = false;  ///< in this command: the table takes no writes
 
   std::string name, folder, only_looking;
   ProjectLock lock;
