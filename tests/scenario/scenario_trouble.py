@@ -130,7 +130,7 @@ class Killed(ProjectCase):
         new = self.read()
         self.assertNotEqual(new, old)
         random.seed(4711)
-        for _ in range(15):
+        for _ in range(int(os.environ.get("PKTAUS_KILLS", "50"))):
             self.write_table(old)
             process = subprocess.Popen(self.command(), cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
                                        stderr=subprocess.DEVNULL)

@@ -61,6 +61,8 @@ TEST(Hostile, TellsWhereAFileStopsBeingXml) {
     std::uint64_t offset, line;
   } kCases[] = {
       {"<a>\r\n</a>", Kind::kNone, 0, 0},
+      {"<!DOCTYPE " + std::string(100'000, 'n') + " \"" + std::string(2000, 'm') + "\">\n<r/>", Kind::kNone, 0, 0},
+      {"<!" + std::string(2000, 'n') + ">\n<r/>", Kind::kNone, 0, 0},
       {"", Kind::kNoElement, 0, 1},
       {"<?a?>\n<?b?>\n<r/>", Kind::kNoElement, 5, 1},
       {"<r>\r\n<a></b>\r\n</r>", Kind::kNotClosed, 7, 2},
