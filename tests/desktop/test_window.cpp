@@ -551,4 +551,21 @@ TEST_F(Window, MarksThePointsOfACutNasFileInAnyEncoding) {
   }
 }
 
+TEST_F(Window, EndsTheViewOfANasFileAtAnElementWithTooManyAttributes) {
+  for (const int count : {1000, 1001, 40'000}) {
+    std::string attributes;
+    for (int i = 0; i < count; ++i) attributes += " a" + std::to_string(i) + "='>\"'";
+    korvo::NasFile file;
+    QString why;
+    const std::string text =
+        "<A><!-- <b \" --><![CDATA[<b \"]]><m:member><P/></m:member>\n<b" + attributes + "/><member><Q/></member></A>";
+    ASSERT_TRUE(file.Read(QString::fromStdString(folder_.Write("a.xml", text)), &why));
+    EXPECT_EQ(file.members().size(), count == 1000 ? 2U : 1U);
+    EXPECT_EQ(file.trouble(), count == 1000
+                                  ? QString()
+                                  : QStringLiteral("Ab Zeile 2 wird die Datei nicht mehr gezeigt: Ein Element "
+                                                   "hat mehr als 1000 Attribute."));
+  }
+}
+
 }  // namespace
