@@ -306,27 +306,26 @@ bool Table::Write(std::int32_t number, std::string* why) {
 }
 
 bool Table::IsUnchanged(std::int32_t number, std::string* why) {
-  constexpr const char* kReopen = " Erst wenn sie neu geöffnet ist, kann wieder gespeichert werden."_ansi;
   const platform::FileFacts before = facts_;
   platform::FileFacts now;
-  const bool there = platform::Files().PathFacts(path::ToDisk(path_), &now);
-  if (!there)
-    *why = "Die Tabelle ist nicht mehr an ihrem Platz: "_ansi + platform::SystemErrorText(platform::LastSystemError()) +
-           kReopen;
-  if (there && (now.device != before.device || now.serial != before.serial || now.size != before.size)) {
-    *why = std::string("Ein anderes Programm hat die Tabelle ersetzt oder ihre Sätze vermehrt oder vermindert."_ansi) +
-           kReopen;
-  } else if (there && !stale_) {
+  if (!platform::Files().PathFacts(path::ToDisk(path_), &now)) {
+    stale_ = true;
+    *why = "Die Tabelle ist nicht mehr an ihrem Platz: "_ansi + platform::SystemErrorText(platform::LastSystemError());
+  } else if (stale_ || now.device != before.device || now.serial != before.serial || now.size != before.size) {
+    stale_ = true;
+    *why = "Ein anderes Programm hat die Tabelle ersetzt oder ihre Sätze vermehrt oder vermindert."_ansi;
+  } else {
     std::string bytes(record_size_, '\0');
     const bool read =
         file_.ReadAt(bytes.data(), bytes.size(), PlaceOf(number)) == static_cast<std::int64_t>(bytes.size());
     if (read && now.modified_ns == before.modified_ns && (number != current_ || bytes == read_bytes_)) return true;
     facts_ = now;
     *why =
-        "Ein anderes Programm hat die Tabelle verändert. Sie wird neu gelesen; bitte prüfen und wiederholen Sie die Eingabe."_ansi;
+        "Ein anderes Programm hat die Tabelle verändert. Sie wird neu gelesen; bitte prüfen und wiederholen Sie die "
+        "Eingabe."_ansi;
     return false;
   }
-  stale_ = true;
+  *why += " Erst wenn sie neu geöffnet ist, kann wieder gespeichert werden."_ansi;
   return false;
 }
 
