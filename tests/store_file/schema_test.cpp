@@ -189,6 +189,22 @@ TEST(SchemaExtend, LeavesOldOrNewTableAfterAnyFault) {
   EXPECT_TRUE(extended);
 }
 
+// One name as it was given and a letter for each of the alphabet behind it; then no name is free.
+TEST(Table, GivesColumnsOfOneNameALetterEachAsLongAsThereIsOne) {
+  for (const std::string name : {"NE_ANTRAGN_LANG", "A"}) {
+    pktaus::CDbfTable table;
+    pktaus::DbfFault fault;
+    for (int count = 0; count <= 160; ++count) {
+      const pktaus::DbfField* field = table.AddField(name, 'C', 1, 0, &fault);
+      ASSERT_EQ(field != nullptr, count <= 26) << count;
+      std::string expected = name.substr(0, 10);
+      if (count > 0) expected.back() = static_cast<char>('a' + count - 1);
+      EXPECT_EQ(field != nullptr ? field->short_name : "", count <= 26 ? expected : "");
+      EXPECT_EQ(fault.kind, count <= 26 ? pktaus::DbfFault::kNone : pktaus::DbfFault::kFieldName);
+    }
+  }
+}
+
 TEST(SchemaExtend, RefusesATableThatChangesUnderIt) {
   const support::TempFolder folder;
   const std::string path = folder.Write("a.dbf", Table(HostColumns(), true));
