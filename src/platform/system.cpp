@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "base/path.h"
 #include "base/text.h"
@@ -34,7 +35,14 @@ const std::string& OwnLibraryPathAtLoad() {
 }
 
 // Asked while the library is loaded, since the loader may know it by a path relative to the folder of that moment.
-[[maybe_unused]] const std::string& own_path_at_load = OwnLibraryPathAtLoad();
+// Without memory it is asked again by whoever needs it: nothing can take an exception here.
+[[maybe_unused]] const bool asked_at_load = [] {
+  try {
+    return !OwnLibraryPathAtLoad().empty();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}();
 
 const char* GermanText(int error) {
   switch (error) {
